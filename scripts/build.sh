@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Configures and builds Flatform in build/ (incremental; ccache keeps rebuilds short).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+BUILD_DIR=${BUILD_DIR:-build}
+JOBS=${JOBS:-$(nproc)}
+if [ ! -f "$BUILD_DIR/build.ninja" ]; then
+  cmake -S . -B "$BUILD_DIR" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@"
+elif [ $# -gt 0 ]; then
+  cmake "$BUILD_DIR" "$@"
+fi
+cmake --build "$BUILD_DIR" -j "$JOBS"
