@@ -1,0 +1,176 @@
+#include "formula/NumberText.h"
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace ff {
+
+QString &CleanNumber(QString &text, const QString &decimalSeparator)
+{
+    if (decimalSeparator.compare(QLatin1String("."), Qt::CaseInsensitive) != 0 && !decimalSeparator.isEmpty()) {
+        text.remove(QLatin1Char('.'));
+        text.replace(decimalSeparator, QLatin1String("."), Qt::CaseInsensitive);
+    }
+    text.remove(QLatin1Char(','));
+    text.remove(QLatin1Char('\''));
+    text.remove(QChar(0xA0));
+    return text;
+}
+
+QString CleanNumberCopy(QString text, const QString &decimalSeparator)
+{
+    CleanNumber(text, decimalSeparator);
+    return text;
+}
+
+double Val(const QString &text)
+{
+    std::string s;
+    s.reserve(static_cast<size_t>(text.size()));
+    for (QChar c : text) {
+        const char16_t u = c.unicode();
+        if (u == ' ' || u == '\t' || u == '\n')
+            continue;
+        s.push_back(u < 128 ? static_cast<char>(u) : '?');
+    }
+    std::string number;
+    size_t i = 0;
+    if (i < s.size() && (s[i] == '+' || s[i] == '-'))
+        number.push_back(s[i++]);
+    bool digits = false;
+    while (i < s.size() && s[i] >= '0' && s[i] <= '9') {
+        number.push_back(s[i++]);
+        digits = true;
+    }
+    if (i < s.size() && s[i] == '.') {
+        number.push_back(s[i++]);
+        while (i < s.size() && s[i] >= '0' && s[i] <= '9') {
+            number.push_back(s[i++]);
+            digits = true;
+        }
+    }
+    if (!digits)
+        return 0.0;
+    if (i < s.size() && (s[i] == 'E' || s[i] == 'e' || s[i] == 'D' || s[i] == 'd')) {
+        size_t j = i + 1;
+        std::string exponent = "e";
+        if (j < s.size() && (s[j] == '+' || s[j] == '-'))
+            exponent.push_back(s[j++]);
+        bool expDigits = false;
+        while (j < s.size() && s[j] >= '0' && s[j] <= '9') {
+            exponent.push_back(s[j++]);
+            expDigits = true;
+        }
+        if (expDigits)
+            number += exponent;
+    }
+    return std::strtod(number.c_str(), nullptr);
+}
+
+QString NumberToText(double value, const QString &decimalSeparator)
+{
+    if (value == 0.0)
+        return QStringLiteral("0");
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, "%.15G", value);
+    QString text = QString::fromLatin1(buffer);
+    if (decimalSeparator != QLatin1String("."))
+        text.replace(QLatin1Char('.'), decimalSeparator);
+    return text;
+}
+
+namespace {
+
+// Rounds the 15 significant digits of `value` at `decimals` places; `halfEven` picks the tie rule.
+double roundDecimal(double value, int decimals, bool halfEven)
+{
+    if (!std::isfinite(value) || value == 0.0)
+        return value == 0.0 ? 0.0 : value;
+    const bool negative = value < 0;
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, "%.14e", std::fabs(value)); // d.dddddddddddddde+XX
+    long long digits = 0;
+    const char *p = buffer;
+    for (; *p && *p != 'e'; ++p) {
+        if (*p >= '0' && *p <= '9')
+            digits = digits * 10 + (*p - '0');
+    }
+    const int exponent = *p == 'e' ? std::atoi(p + 1) : 0;
+    // digits × 10^(exponent - 14) is the value; keep the digits down to 10^-decimals.
+    const int keep = exponent + 1 + decimals;
+    if (keep >= 15)
+        return std::strtod(buffer, nullptr) * (negative ? -1 : 1);
+    if (keep < 0)
+        return 0.0;
+    const int drop = 15 - keep;
+    long long scale = 1;
+    for (int k = 0; k < drop; ++k)
+        scale *= 10;
+    long long kept = digits / scale;
+    const long long rest = digits % scale;
+    const long long half = scale / 2;
+    if (rest > half || (rest == half && (!halfEven || (kept % 2) != 0)))
+        ++kept;
+    if (kept == 0)
+        return 0.0;
+    char out[64];
+    std::snprintf(out, sizeof out, "%s%lldE%d", negative ? "-" : "", kept, -decimals);
+    return std::strtod(out, nullptr);
+}
+
+} // namespace
+
+double RoundHalfEven(double value, int decimals) { return roundDecimal(value, decimals, true); }
+double RoundHalfAway(double value, int decimals) { return roundDecimal(value, decimals, false); }
+
+std::optional<double> ParseNumericText(const QString &text)
+{
+    const QString t = text.trimmed();
+    if (t.isEmpty())
+        return std::nullopt;
+    bool ok = false;
+    const QByteArray bytes = t.toLatin1();
+    // Only plain decimal notation, an optional sign, point and exponent.
+    int i = 0;
+    const int n = bytes.size();
+    if (i < n && (bytes[i] == '+' || bytes[i] == '-'))
+        ++i;
+    bool digits = false;
+    while (i < n && bytes[i] >= '0' && bytes[i] <= '9') {
+        ++i;
+        digits = true;
+    }
+    if (i < n && bytes[i] == '.') {
+        ++i;
+        while (i < n && bytes[i] >= '0' && bytes[i] <= '9') {
+            ++i;
+            digits = true;
+        }
+    }
+    if (!digits)
+        return std::nullopt;
+    if (i < n && (bytes[i] == 'E' || bytes[i] == 'e' || bytes[i] == 'D' || bytes[i] == 'd')) {
+        ++i;
+        if (i < n && (bytes[i] == '+' || bytes[i] == '-'))
+            ++i;
+        bool expDigits = false;
+        while (i < n && bytes[i] >= '0' && bytes[i] <= '9') {
+            ++i;
+            expDigits = true;
+        }
+        if (!expDigits)
+            return std::nullopt;
+    }
+    if (i != n)
+        return std::nullopt;
+    QByteArray normal = bytes;
+    normal.replace('D', 'E').replace('d', 'e');
+    const double value = normal.toDouble(&ok);
+    if (!ok || !std::isfinite(value))
+        return std::nullopt;
+    return value;
+}
+
+} // namespace ff
