@@ -1,0 +1,41 @@
+#pragma once
+// The pocket calculator's state machine, apart from its window: digits, the decimal sign, the four
+// operators with "=" and "%", percent, clear entry and clear all.
+
+#include <QLocale>
+#include <QString>
+
+namespace ff::toolkit {
+
+class CalculatorEngine {
+public:
+    explicit CalculatorEngine(const QLocale &locale = QLocale::system());
+
+    void digit(int d);       // 0..9
+    void decimal();          // the decimal sign, once per number
+    void op(QChar op);       // '+', '-', u'×', u'÷', '=', '%'
+    void percent();          // display := Op1 × display / 100
+    void cancelEntry();      // empties the entry
+    void cancel();           // resets everything
+
+    QString readout() const { return readout_; }
+    QString lastInput() const { return lastInput_; }
+    int opCount() const { return opCount_; }
+    // True when a result grew past 999,999,999,999,999 and the display font goes down to 8.25 pt.
+    bool smallFont() const { return smallFont_; }
+
+private:
+    long double readoutValue() const;
+    QString formatResult(long double v);
+
+    QLocale locale_;
+    QString readout_;
+    bool decimalFlag_ = false;
+    QString lastInput_ = QStringLiteral("NONE");
+    int opCount_ = 0;
+    long double op1_ = 0, op2_ = 0;
+    QChar opFlag_ = QLatin1Char(' ');
+    bool smallFont_ = false;
+};
+
+} // namespace ff::toolkit
