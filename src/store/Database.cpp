@@ -1,0 +1,132 @@
+#include "store/Database.h"
+
+#include "store/UserFile.h"
+#include "store/LoginCheck.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <unistd.h>
+
+namespace ff {
+
+Database::Database(Design design, AppPaths paths, StoreHost *host, FormulaHooks *hooks)
+    : design_(std::make_unique<Design>(std::move(design))), paths_(std::move(paths)),
+      codePage_(design_->FontCharset), host_(host), page_(std::make_unique<Page>(*design_)),
+      store_(std::make_unique<RecordStore>(*design_, *page_, hooks, host))
+{
+    DecimalSeparator = FormulaHooks::SystemDecimalSeparator();
+    MainCaption = design_->MainCap;
+}
+
+void Database::start()
+{
+    DecimalSeparator = FormulaHooks::SystemDecimalSeparator();
+    store_->setDecimalSeparator(DecimalSeparator);
+    TodayDate = FormulaHooks::Today();
+    // The design's administrator password, coded, unless the per-user file holds another.
+    if (!design_->AdminPassword.isEmpty())
+        users_.UserPassword[0] = CodeText(design_->AdminPassword, codePage_);
+    UserFile::Read(paths_.userFilePath(), *page_, users_);
+    DataFileName = paths_.dataFileName(design_->DataExtension);
+}
+
+void Database::applyLogin(int user, const QString &passwordBox)
+{
+    if (user < 0 || user >= kUserCount)
+        return;
+    LoginUser = user;
+    store_->ViewOnlyMode = users_.UserRights[user] == 1;
+    administrator_ = IsAdministratorLogin(users_, passwordBox, codePage_);
+    if (!administrator_)
+        MainCaption = design_->MainCap + LoginCaption(users_, user, codePage_);
+}
+
+bool Database::fileIsReadOnly(const QString &path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return false;
+    if (!(info.permissions() & QFileDevice::WriteOwner))
+        return true;
+    return ::access(QFile::encodeName(path).constData(), W_OK) != 0;
+}
+
+QString Database::recordPictureFolderFor(const QString &dataFileName) const
+{
+    const QFileInfo info(dataFileName);
+    QString name = ProperCase(info.fileName());
+    const QString dotExt = QLatin1Char('.') + design_->DataExtension;
+    const qsizetype at = name.lastIndexOf(dotExt, -1, Qt::CaseInsensitive);
+    if (at >= 0 && !design_->DataExtension.isEmpty())
+        name.replace(at, dotExt.size(), QStringLiteral("Pics"));
+    else
+        name += QStringLiteral("Pics");
+    return QDir(info.absolutePath()).filePath(name) + QLatin1Char('/');
+}
+
+Status Database::OpenDatabase(int mode)
+{
+    if (DataFileName.isEmpty())
+        return makeError(ErrorCode::BadFileName, QStringLiteral("no data file name"));
+    RecordStore &store = *store_;
+    store.SortMode = 0;
+    store.close();
+    store.ReadOnlyMode = false;
+    const qsizetype dot = DataFileName.lastIndexOf(QLatin1Char('.'));
+    DataFileBase = dot > DataFileName.lastIndexOf(QLatin1Char('/')) ? DataFileName.left(dot) : DataFileName;
+
+    if (!QFileInfo::exists(DataFileName))
+        mode = 1; // a missing data file is created, without a message
+
+    store.RecordPictureFolder.clear();
+    if (design_->HasRecordPictures) {
+        store.RecordPictureFolder = recordPictureFolderFor(DataFileName);
+        if (!QFileInfo::exists(store.RecordPictureFolder)) {
+            QDir().mkpath(store.RecordPictureFolder);
+            store.NextPictureNumber = 0;
+        }
+    }
+    if (mode == 0)
+        store.ReadOnlyMode = fileIsReadOnly(DataFileName);
+    if (store.ViewOnlyMode)
+        store.ReadOnlyMode = true; // a read-only user
+
+    Status opened = store.openFileSet(DataFileName, mode == 1, design_->MainCap);
+    if (!opened) {
+        const ErrorCode code = opened.error().code;
+        if (code == ErrorCode::PermissionDenied || code == ErrorCode::FileNotFound || code == ErrorCode::PathError) {
+            QString text = design_->MessageText[1];
+            text = text.isEmpty() ? opened.error().text : text.replace(QLatin1Char('*'), DataFileName);
+            if (host_)
+                host_->ShowMessage(design_->MainCap, text, 0);
+        }
+        return opened;
+    }
+
+    store.RecordBuffer = QByteArray(store.layout().RecordLength, ' ');
+    if (mode == 0 && store.RecordCount == 0) {
+        store.NewRecord();
+        store.RecordCount = 1;
+        store.PackRecord();
+    } else if (mode == 1) {
+        store.RecordCount = 0;
+        store.NewRecord();
+        if (!store.RecordPictureFolder.isEmpty())
+            QDir().mkpath(store.RecordPictureFolder);
+        store.NextPictureNumber = 0;
+        if (store.writingAllowed() && store.file().OpenRecordPart(0))
+            store.file().writeHeaderBytes(10, QByteArray(4, '\0'));
+    }
+    return store.UnpackRecord();
+}
+
+Status Database::shutdown()
+{
+    Status saved = store_->SaveIfDirty();
+    store_->close();
+    Status written = UserFile::Write(paths_.userFilePath(), *page_, users_);
+    return saved ? written : saved;
+}
+
+} // namespace ff
