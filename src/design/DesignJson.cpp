@@ -495,7 +495,7 @@ private:
         v = static_cast<T>(x);
     }
 
-    const QJsonObject &o_;
+    const QJsonObject o_;
     QString path_;
     Error &error_;
     QSet<QString> known_;
