@@ -184,7 +184,17 @@ public:
         io.skipText();
         io.step(71);
         for (auto &t : d.Templates) {
-            io.text(t.TemplateExtension);
+            // The block holds the bare extension; the design keeps it as "*.ext".
+            if constexpr (IO::reading) {
+                io.text(t.TemplateExtension);
+                if (!t.TemplateExtension.isEmpty())
+                    t.TemplateExtension.prepend(QLatin1String("*."));
+            } else {
+                QString bare = t.TemplateExtension;
+                if (bare.startsWith(QLatin1String("*.")))
+                    bare.remove(0, 2);
+                io.text(bare);
+            }
             io.text(t.TemplateText);
             io.skipText();
         }
