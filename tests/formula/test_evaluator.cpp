@@ -1,0 +1,209 @@
+// The evaluator's rules on cases worked out by hand from them: no precedence, "-" inside numbers,
+// "~" subtraction, unary letters applied late, silent failures, the bracket pass with its fixed
+// bound and stale start, and the rounding letters looked up in the whole expression.
+
+#include "formula/Evaluator.h"
+#include "formula/NumberText.h"
+
+#include "QtPrinters.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using namespace ff;
+
+namespace {
+
+QString eval(const QString &expression)
+{
+    QString e = expression;
+    return EvaluateToText(e);
+}
+
+QString rewritten(const QString &expression)
+{
+    QString e = expression;
+    (void)EvaluateExpression(e);
+    return e;
+}
+
+} // namespace
+
+TEST(Evaluator, ScansLeftToRightWithoutPrecedence)
+{
+    EXPECT_EQ(eval("2+3*4"), "20");
+    EXPECT_EQ(eval("1+1^3"), "8");
+    EXPECT_EQ(eval("10/4*2"), "5");
+    EXPECT_EQ(eval(""), "0");
+    EXPECT_EQ(eval("   "), "0");
+}
+
+TEST(Evaluator, MinusBelongsToTheNumberAndTildeSubtracts)
+{
+    EXPECT_EQ(eval("10-2"), "10");
+    EXPECT_EQ(eval("5-3+1"), "6");
+    EXPECT_EQ(eval("10~2~3"), "5");
+    EXPECT_EQ(eval("10~-2"), "12");
+    EXPECT_EQ(eval("3*-2"), "-6");
+    EXPECT_EQ(eval("-0"), "0");
+}
+
+TEST(Evaluator, UnknownCharactersClearOnlyThePendingOperator)
+{
+    // The blank drops the "+", the 3 then replaces the accumulator.
+    EXPECT_EQ(eval("2+ 3"), "3");
+    // The number text survives a blank: "2 3" reads 23.
+    EXPECT_EQ(eval("2 3"), "23");
+    EXPECT_EQ(eval("4*Q5"), "5");
+}
+
+TEST(Evaluator, UnaryLettersActAtTheNextOperatorAndDiscardTheirOperand)
+{
+    EXPECT_EQ(eval("16S+2"), "6");
+    EXPECT_EQ(eval("16S9"), "4");
+    EXPECT_EQ(eval("16s"), "4");
+    EXPECT_EQ(eval("A5"), "0");
+    EXPECT_EQ(eval("-5A"), "5");
+    EXPECT_EQ(eval("3A+1"), "4");
+    EXPECT_EQ(eval("abc"), "1");
+    EXPECT_EQ(eval("0C"), "1");
+    EXPECT_EQ(eval("1E"), "2.71828182845905");
+    EXPECT_EQ(eval("1L"), "0");
+    EXPECT_EQ(eval("1.5X"), "720");
+    EXPECT_EQ(eval("0.75x"), "1080");
+    EXPECT_EQ(eval("-1.25X"), "360"); // 29 December 1899, 06:00
+}
+
+TEST(Evaluator, RoundingGoesHalfToEvenOnFifteenDigits)
+{
+    EXPECT_EQ(eval("2.5R"), "2");
+    EXPECT_EQ(eval("3.5R"), "4");
+    EXPECT_EQ(eval("-2.5R"), "-2");
+    EXPECT_EQ(eval("0.125U"), "0.12");
+    EXPECT_EQ(eval("0.135U"), "0.14");
+    EXPECT_EQ(eval("2.675U"), "2.68"); // 2.67499999... as a double
+    EXPECT_EQ(eval("1.005U"), "1");    // 1.00500000000000 is a half: to even
+    EXPECT_EQ(eval("0.05O"), "0");
+    EXPECT_EQ(eval("1.23456789D"), "1.2346");
+    EXPECT_EQ(eval("1.0005N"), "1");
+    EXPECT_EQ(eval("2.567U"), "2.57");
+}
+
+TEST(Evaluator, RemainderRoundsBothSidesAndKeepsTheLeftSign)
+{
+    EXPECT_EQ(eval("7M3"), "1");
+    EXPECT_EQ(eval("7m3"), "1");
+    EXPECT_EQ(eval("-7M3"), "-1");
+    EXPECT_EQ(eval("7M-3"), "1");
+    EXPECT_EQ(eval("7.5M2"), "0"); // 8 mod 2
+    EXPECT_EQ(eval("6.5M4"), "2"); // 6 mod 4
+}
+
+TEST(Evaluator, FailingOperationsLeaveTheAccumulator)
+{
+    EXPECT_EQ(eval("9/0"), "9");
+    EXPECT_EQ(eval("0/5"), "0");
+    EXPECT_EQ(eval("0/0"), "0");
+    EXPECT_EQ(eval("-4S"), "-4");
+    EXPECT_EQ(eval("0L"), "0");
+    EXPECT_EQ(eval("1000E"), "1000");
+    EXPECT_EQ(eval("-8^0.5"), "-8");
+    EXPECT_EQ(eval("0^-1"), "0");
+    EXPECT_EQ(eval("7M0"), "7");
+    EXPECT_EQ(eval("2958466X"), "2958466");
+    // A failure does not stop the scan: the next operator works again.
+    EXPECT_EQ(eval("9/0+1"), "10");
+}
+
+TEST(Evaluator, BracketsAreReplacedByTheirValues)
+{
+    EXPECT_EQ(eval("2*(3+4)"), "14");
+    EXPECT_EQ(rewritten("2*(3+4)"), "2*7");
+    EXPECT_EQ(eval("(2+3)*(4+5)"), "45");
+    // Every occurrence of the bracket's text goes, in any case.
+    EXPECT_EQ(rewritten("(1+2)+(1+2)"), "3+3");
+    EXPECT_EQ(rewritten("(2A)*(2a)"), "2*2");
+    // A negative result puts a "-" into the expression, a number character again.
+    EXPECT_EQ(eval("(0~5)*2"), "-10");
+    // "(" without ")" is an unknown character of the final scan.
+    EXPECT_EQ(eval("(2+3"), "5");
+}
+
+TEST(Evaluator, BracketPassKeepsItsOddRules)
+{
+    // The walk resumes at the second character with the old start: the outer bracket goes wrong.
+    EXPECT_EQ(eval("((1+2)*3)"), "0");
+    EXPECT_EQ(rewritten("((1+2)*3)"), "(0");
+    // The bound is fixed at entry: a long result pushes the next bracket past it.
+    EXPECT_EQ(eval("(1/3)+(2/3)"), "3");
+    EXPECT_EQ(eval("(2/3)*(9)"), "9");
+    // A ")" after a bracket uses the stale start instead of abandoning the call.
+    EXPECT_EQ(eval("(1)+2)"), "2");
+}
+
+TEST(Evaluator, RoundingLettersInsideABracketAreReadFromTheWholeExpression)
+{
+    EXPECT_EQ(eval("(2.567U)"), "2.567");
+    // The blank at index 4 of the contents meets the "R" at index 4 of the expression.
+    EXPECT_EQ(rewritten("abcR(2.5 )"), "abcR2");
+    EXPECT_EQ(rewritten("abcQ(2.5 )"), "abcQ2.5");
+    // A digit of the contents wins over a letter of the expression.
+    EXPECT_EQ(rewritten("U(2.567)"), "U2.567");
+}
+
+TEST(Evaluator, AClosingBracketBeforeAnyOpeningAbandonsTheCall)
+{
+    QString e = QStringLiteral(")5");
+    EXPECT_FALSE(EvaluateExpression(e).has_value());
+    e = QStringLiteral("5+1)");
+    EXPECT_FALSE(EvaluateExpression(e).has_value());
+    e = QStringLiteral("5+1)");
+    EXPECT_EQ(EvaluateToText(e), "");
+}
+
+TEST(Evaluator, ResultsOfBracketsUseTheLocaleSeparatorThroughCleanNumber)
+{
+    QString e = QStringLiteral("(1/2)+1");
+    EXPECT_EQ(EvaluateToText(e, QStringLiteral(",")), "1.5");
+    EXPECT_EQ(e, "0.5+1");
+}
+
+TEST(NumberText, ValReadsTheLeadingNumber)
+{
+    EXPECT_EQ(Val("12-5"), 12);
+    EXPECT_EQ(Val("1.2.3"), 1.2);
+    EXPECT_EQ(Val("abc"), 0);
+    EXPECT_EQ(Val(" 1 2"), 12);
+    EXPECT_EQ(Val("1e3"), 1000);
+    EXPECT_EQ(Val("1D2x"), 100);
+    EXPECT_EQ(Val("-.5"), -0.5);
+    EXPECT_EQ(Val("+7"), 7);
+    EXPECT_EQ(Val("1e"), 1);
+    EXPECT_EQ(Val("1e+"), 1);
+    EXPECT_EQ(Val("--5"), 0);
+    EXPECT_EQ(Val("."), 0);
+    EXPECT_TRUE(std::isinf(Val("1e400")));
+}
+
+TEST(NumberText, CleanNumberDropsGroupMarksAndMovesTheSeparator)
+{
+    EXPECT_EQ(CleanNumberCopy("1,234.50"), "1234.50");
+    EXPECT_EQ(CleanNumberCopy("1.234,50", ","), "1234.50");
+    EXPECT_EQ(CleanNumberCopy("1'000"), "1000");
+    EXPECT_EQ(CleanNumberCopy(QString::fromUtf8("1\u00a0000")), "1000");
+    EXPECT_EQ(CleanNumberCopy("a.b", ","), "ab");
+}
+
+TEST(NumberText, DefaultConversionGivesFifteenDigits)
+{
+    EXPECT_EQ(NumberToText(1.0 / 3), "0.333333333333333");
+    EXPECT_EQ(NumberToText(1e20), "1E+20");
+    EXPECT_EQ(NumberToText(1.5e20), "1.5E+20");
+    EXPECT_EQ(NumberToText(-0.0), "0");
+    EXPECT_EQ(NumberToText(0.1 + 0.2), "0.3");
+    EXPECT_EQ(NumberToText(123456789012345678.0), "1.23456789012346E+17");
+    EXPECT_EQ(NumberToText(1e-5), "1E-05");
+    EXPECT_EQ(NumberToText(2.5, ","), "2,5");
+    EXPECT_EQ(NumberToText(100), "100");
+}

@@ -1,0 +1,176 @@
+// Format codes, dates, field defaults and amounts in words, with the locale pinned to en_US.
+
+#include "formula/CMoney.h"
+#include "formula/DateNumber.h"
+#include "formula/FieldFormat.h"
+#include "formula/SetFieldDefault.h"
+
+#include "QtPrinters.h"
+
+#include <gtest/gtest.h>
+
+using namespace ff;
+
+namespace {
+
+const QLocale kUs(QLocale::English, QLocale::UnitedStates);
+constexpr double kJan15 = 45306; // Monday 15 January 2024
+
+} // namespace
+
+TEST(FieldFormat, NumbersRoundHalfAwayWithGrouping)
+{
+    EXPECT_EQ(FormatStoredValue(1234.5, 2, kUs), "1,234.50");
+    EXPECT_EQ(FormatStoredValue(2.675, 2, kUs), "2.68");
+    EXPECT_EQ(FormatStoredValue(-0.004, 2, kUs), "0.00");
+    EXPECT_EQ(FormatStoredValue(1234.5, 5, kUs), "1,235");
+    EXPECT_EQ(FormatStoredValue(-2.5, 5, kUs), "-3");
+    EXPECT_EQ(FormatStoredValue(1.23456, 4, kUs), "1.2346");
+    EXPECT_EQ(FormatStoredValue(0.1, 1, kUs), "0.1");
+    EXPECT_EQ(FormatStoredValue(1e20, 1, kUs), "1E+20");
+    EXPECT_EQ(FormatFixed(1234567, 0, kUs, false), "1234567");
+    EXPECT_EQ(FormatCurrency(1234.5, 2, kUs), "$1,234.50");
+}
+
+TEST(FieldFormat, DateAndTimeFormatsByCode)
+{
+    const double evening = kJan15 + 0.75;
+    EXPECT_EQ(FormatStoredValue(evening, 6, kUs), "1/15/2024 6:00:00 PM");
+    EXPECT_EQ(FormatStoredValue(kJan15, 6, kUs), "1/15/2024");
+    EXPECT_EQ(FormatStoredValue(0.75, 6, kUs), "6:00:00 PM");
+    EXPECT_EQ(FormatStoredValue(0, 6, kUs), "");
+    EXPECT_EQ(FormatStoredValue(evening, 7, kUs), "1/15/2024");
+    EXPECT_EQ(FormatStoredValue(evening, 8, kUs), "15-Jan-24");
+    EXPECT_EQ(FormatStoredValue(evening, 9, kUs), "Monday, January 15, 2024");
+    EXPECT_EQ(FormatStoredValue(evening, 10, kUs), "18:00");
+    EXPECT_EQ(FormatStoredValue(evening, 11, kUs), "06:00 PM");
+    EXPECT_EQ(FormatStoredValue(evening, 12, kUs), "18:00:00");
+    const char *parts[] = {"24", "2024", "01", "Jan", "January", "15", "Mon", "Monday", "2", "3"};
+    for (int type = 13; type <= 22; ++type)
+        EXPECT_EQ(FormatStoredValue(kJan15, type, kUs), parts[type - 13]) << type;
+    // 1 January 2023 is a Sunday: week 1 starts with it, the 8th begins week 2.
+    EXPECT_EQ(FormatDateByType(NumberFromDate(QDate(2023, 1, 7)), 22, kUs), "1");
+    EXPECT_EQ(FormatDateByType(NumberFromDate(QDate(2023, 1, 8)), 22, kUs), "2");
+}
+
+TEST(DateNumber, DayNumbersAndTheirTexts)
+{
+    EXPECT_DOUBLE_EQ(NumberFromDate(QDate(1899, 12, 30)), 0);
+    EXPECT_DOUBLE_EQ(NumberFromDate(QDate(2024, 1, 15), QTime(18, 0)), kJan15 + 0.75);
+    EXPECT_EQ(DateFromNumber(-1.25), QDateTime(QDate(1899, 12, 29), QTime(6, 0)));
+    EXPECT_DOUBLE_EQ(NumberFromDate(QDate(1899, 12, 29), QTime(6, 0)), -1.25);
+    EXPECT_FALSE(DateFromNumber(2958466).isValid());
+
+    for (int type : {6, 7, 8, 9}) {
+        const auto back = ReadDate(FormatStoredValue(kJan15, type, kUs), kUs);
+        ASSERT_TRUE(back.has_value()) << type;
+        EXPECT_DOUBLE_EQ(*back, kJan15) << type;
+    }
+    EXPECT_DOUBLE_EQ(*ReadDate("1/15/2024 6:00:00 PM", kUs), kJan15 + 0.75);
+    EXPECT_DOUBLE_EQ(*ReadDate("12:30", kUs), 0.5 + 30.0 / 1440);
+    EXPECT_DOUBLE_EQ(*ReadDate("06:00 PM", kUs), 0.75);
+    EXPECT_EQ(DateFromNumber(*ReadDate("15-Jan-29", kUs)).date().year(), 2029);
+    EXPECT_EQ(DateFromNumber(*ReadDate("15-Jan-30", kUs)).date().year(), 1930);
+    EXPECT_DOUBLE_EQ(*ReadDate(" 45306.5 ", kUs), 45306.5);
+    EXPECT_FALSE(ReadDate("", kUs).has_value());
+    EXPECT_FALSE(ReadDate("soon", kUs).has_value());
+    EXPECT_FALSE(ReadDate("1e9", kUs).has_value());
+}
+
+namespace {
+
+struct DefaultsPage {
+    explicit DefaultsPage(uint8_t showZeros)
+    {
+        design.ShowZeros = showZeros;
+        design.Fields.resize(24);
+        design.FieldCount = 23;
+        for (int i = 1; i <= 23; ++i)
+            design.Fields[static_cast<size_t>(i)].FieldType = static_cast<uint8_t>(i);
+        page = std::make_unique<Page>(design);
+        for (int i = 1; i <= 23; ++i) {
+            page->FieldText[i] = QStringLiteral("old");
+            page->FieldDate[i] = 99;
+        }
+    }
+    Design design;
+    std::unique_ptr<Page> page;
+};
+
+} // namespace
+
+TEST(SetFieldDefault, NumberFormatsFollowShowZeros)
+{
+    DefaultsPage shown(1);
+    for (int i = 1; i <= 5; ++i)
+        SetFieldDefault(*shown.page, i, kJan15, kUs);
+    EXPECT_EQ(shown.page->FieldText[1], "0");
+    EXPECT_EQ(shown.page->FieldText[2], "0.00");
+    EXPECT_EQ(shown.page->FieldText[3], "0.000");
+    EXPECT_EQ(shown.page->FieldText[4], "0.0000");
+    EXPECT_EQ(shown.page->FieldText[5], "0");
+
+    DefaultsPage hidden(0);
+    for (int i = 1; i <= 5; ++i) {
+        SetFieldDefault(*hidden.page, i, kJan15, kUs);
+        EXPECT_EQ(hidden.page->FieldText[i], "old") << i;
+    }
+}
+
+TEST(SetFieldDefault, DatesTimesAndStamps)
+{
+    DefaultsPage p(0);
+    p.design.Fields[7].FieldDisplay = 10;
+    const double now = kJan15 + 0.5;
+    for (int i = 6; i <= 23; ++i)
+        SetFieldDefault(*p.page, i, now, kUs);
+    EXPECT_EQ(p.page->FieldText[6], "1/15/2024 12:00:00 PM");
+    EXPECT_DOUBLE_EQ(p.page->FieldDate[7], now + 10);
+    EXPECT_EQ(p.page->FieldText[7], "1/25/2024");
+    EXPECT_EQ(p.page->FieldText[9], "Monday, January 15, 2024");
+    EXPECT_EQ(p.page->FieldText[10], "00:00");
+    EXPECT_DOUBLE_EQ(p.page->FieldDate[10], 0);
+    EXPECT_EQ(p.page->FieldText[11], "");
+    EXPECT_DOUBLE_EQ(p.page->FieldDate[11], 0);
+    EXPECT_EQ(p.page->FieldText[12], "00:00:00");
+    EXPECT_EQ(p.page->FieldText[14], "2024");
+    EXPECT_EQ(p.page->FieldText[20], "Monday");
+    EXPECT_EQ(p.page->FieldText[23], "old");
+
+    // A default date of 0 writes no text.
+    p.design.Fields[8].FieldDisplay = 5;
+    p.page->FieldText[8] = QStringLiteral("old");
+    SetFieldDefault(*p.page, 8, -5, kUs);
+    EXPECT_DOUBLE_EQ(p.page->FieldDate[8], 0);
+    EXPECT_EQ(p.page->FieldText[8], "old");
+}
+
+TEST(CMoney, DollarWords)
+{
+    const CMoney money(kUs);
+    EXPECT_EQ(money.MonetaryToWords("0"), "Zero Dollars and No Cents");
+    EXPECT_EQ(money.MonetaryToWords("0.01"), "Zero Dollars and One Cent");
+    EXPECT_EQ(money.MonetaryToWords("1"), "One Dollars and No Cents");
+    EXPECT_EQ(money.MonetaryToWords("2.5"), "Two Dollars and Fifty Cents");
+    EXPECT_EQ(money.MonetaryToWords("2.567"), "Two Dollars and Fifty-Six Cents");
+    EXPECT_EQ(money.MonetaryToWords("12.05"), "Twelve Dollars and Five Cents");
+    EXPECT_EQ(money.MonetaryToWords("1234.50"), "One Thousand Two Hundred Thirty-Four Dollars and Fifty Cents");
+    EXPECT_EQ(money.MonetaryToWords("1000000"), "One Million Dollars and No Cents");
+    EXPECT_EQ(money.MonetaryToWords("1000001"), "One Million One Dollars and No Cents");
+    EXPECT_EQ(money.MonetaryToWords("200000"), "Two Hundred Thousand Dollars and No Cents");
+    EXPECT_EQ(money.MonetaryToWords("90019"), "Ninety Thousand Nineteen Dollars and No Cents");
+    EXPECT_EQ(money.MonetaryToWords("-1"), "Invalid Dollar Amount.");
+    EXPECT_EQ(money.MonetaryToWords("abc"), "");
+    EXPECT_EQ(money.MonetaryToWords(QString(30, QLatin1Char('9'))).left(38), "Nine Hundred Ninety-Nine Octillion Nin");
+    EXPECT_EQ(money.MonetaryToWords("1" + QString(30, QLatin1Char('0'))), "");
+}
+
+TEST(CMoney, CurrencyWordsFollowTheLocaleSign)
+{
+    const CMoney pounds(QLocale(QLocale::English, QLocale::UnitedKingdom));
+    EXPECT_EQ(pounds.MonetaryToWords("3.10"), "Three Pounds and Ten Pence");
+    EXPECT_EQ(pounds.MonetaryToWords("0.01"), "Zero Pounds and One Pence");
+    const CMoney euros(QLocale(QLocale::German, QLocale::Germany));
+    EXPECT_EQ(euros.MonetaryToWords("0"), "Zero Euros and No Euros");
+    EXPECT_EQ(euros.MonetaryToWords("21.99"), "Twenty-One Euros and Ninety-Nine Cents");
+}
