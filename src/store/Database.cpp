@@ -83,7 +83,7 @@ Status Database::OpenDatabase(int mode)
     if (design_->HasRecordPictures) {
         store.RecordPictureFolder = recordPictureFolderFor(DataFileName);
         if (!QFileInfo::exists(store.RecordPictureFolder)) {
-            QDir().mkpath(store.RecordPictureFolder);
+            QDir().mkdir(store.RecordPictureFolder);
             store.NextPictureNumber = 0;
         }
     }
@@ -113,7 +113,7 @@ Status Database::OpenDatabase(int mode)
         store.RecordCount = 0;
         store.NewRecord();
         if (!store.RecordPictureFolder.isEmpty())
-            QDir().mkpath(store.RecordPictureFolder);
+            QDir().mkdir(store.RecordPictureFolder);
         store.NextPictureNumber = 0;
         if (store.writingAllowed() && store.file().OpenRecordPart(0))
             store.file().writeHeaderBytes(10, QByteArray(4, '\0'));
