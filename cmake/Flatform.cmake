@@ -9,6 +9,11 @@ if(FLATFORM_SANITIZE)
   target_compile_options(flatform_options INTERFACE -fsanitize=address,undefined -fno-omit-frame-pointer)
   target_link_options(flatform_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(FLATFORM_FUZZ)
+  # The libraries get coverage and sanitizer instrumentation; the fuzz targets add the driver.
+  target_compile_options(flatform_options INTERFACE -fsanitize=fuzzer-no-link,address,undefined -fno-omit-frame-pointer)
+  target_link_options(flatform_options INTERFACE -fsanitize=address,undefined)
+endif()
 target_compile_definitions(flatform_options INTERFACE QT_NO_KEYWORDS)
 
 # flatform_library(<name> SOURCES ... [PUBLIC_DEPS ...] [PRIVATE_DEPS ...])
