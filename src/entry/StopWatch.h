@@ -1,0 +1,37 @@
+#pragma once
+// The stop watch of a time field: a click on the action button starts it for the focused field, a
+// second click stops it. While it runs, each tick puts the time since the start into that field as
+// "hh:nn:ss". The clock is passed in, so that tests can drive it.
+
+#include <QString>
+
+#include <functional>
+
+namespace ff {
+
+class StopWatch {
+public:
+    // Seconds on a steady clock; the default reads the system's monotonic clock.
+    using Clock = std::function<double()>;
+    explicit StopWatch(Clock clock = Clock());
+
+    // A click: starts the watch for `field` when it is stopped, stops it when it runs.
+    // Returns whether it runs now (the window enables or disables its tick timer by it).
+    bool click(int field);
+    void stop() { running_ = false; }
+    bool running() const { return running_; }
+    int field() const { return field_; }
+
+    // The text for the field at this tick: whole seconds since the start, two digits for each part
+    // (hours grow past 99 as they must). Empty when the watch is stopped.
+    QString tick() const;
+    static QString elapsedText(double seconds);
+
+private:
+    Clock clock_;
+    bool running_ = false;
+    int field_ = 0;
+    double start_ = 0;
+};
+
+} // namespace ff

@@ -1,0 +1,64 @@
+#pragma once
+// An EntryHost that writes down every call, for the entry tests. Each call adds one line to
+// `calls`, such as "navigate 2" or "open notepad.exe|a.txt".
+
+#include "entry/EntryHost.h"
+
+#include <QSet>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+namespace ff::test {
+
+class RecordingHost : public EntryHost {
+public:
+    bool readOnlyFlag = false;
+    Status lockResult;                   // what lockRecord returns
+    std::function<void()> onLockFailure; // runs when lockResult is a failure (the store re-shows the record)
+    QSet<QString> existingFiles;
+    QStringList failingLines; // runIf / runAssignments fail on these lines
+    std::function<QString(const QString &)> tagFiller = [](const QString &text) { return text; };
+    std::function<QString(const QString &)> vFiller = [](const QString &line) { return line; };
+    QStringList calls;
+
+    int count(const QString &call) const { return static_cast<int>(calls.count(call)); }
+
+    bool readOnly() const override { return readOnlyFlag; }
+    Status lockRecord() override
+    {
+        calls << QStringLiteral("lock");
+        if (!lockResult.ok() && onLockFailure)
+            onLockFailure();
+        return lockResult;
+    }
+    void saveIfDirty() override { calls << QStringLiteral("save"); }
+    void runFormulas() override { calls << QStringLiteral("formulas"); }
+    void navigate(int button) override { calls << QStringLiteral("navigate %1").arg(button); }
+    void newRecord() override { calls << QStringLiteral("new"); }
+    void endProgram() override { calls << QStringLiteral("end"); }
+    void copyRecordToClipboard() override { calls << QStringLiteral("copy"); }
+    QString substituteTags(const QString &text) override { return tagFiller(text); }
+    QString insertV(const QString &line) override { return vFiller(line); }
+    Status runIf(const QString &line) override { return run(QStringLiteral("if "), line); }
+    Status runAssignments(const QString &line) override { return run(QStringLiteral("assign "), line); }
+    void runSearchLine(const QString &line) override { calls << QStringLiteral("search ") + line; }
+    bool fileExists(const QString &path) override { return existingFiles.contains(path); }
+    void openWithDesktop(const QString &target, const QString &parameters) override
+    {
+        calls << QStringLiteral("open ") + target + QLatin1Char('|') + parameters;
+    }
+    void showMessage(const QString &text) override { calls << QStringLiteral("message ") + text; }
+
+private:
+    Status run(const QString &kind, const QString &line)
+    {
+        calls << kind + line;
+        if (failingLines.contains(line))
+            return makeError(ErrorCode::Invalid, QStringLiteral("bad line"));
+        return {};
+    }
+};
+
+} // namespace ff::test
