@@ -18,14 +18,14 @@ namespace {
 class FieldEntryTest : public ::testing::Test {
 protected:
     // Fields: 1 text with proper case, 2 money, 3 whole number, 4 long date, 5 short date shown
-    // 30 days on, 6 "hh:nn:ss" time, 7 short time, 8 plain number, 9 general date.
+    // 30 days on, 6 "hh:nn:ss" time, 7 short time, 8 plain number, 9 general date, 10 medium time.
     void SetUp() override
     {
-        const int types[] = {0, 0, 2, 5, 9, 7, 12, 10, 1, 6};
-        design.Fields.resize(10);
-        for (int i = 1; i <= 9; ++i)
+        const int types[] = {0, 0, 2, 5, 9, 7, 12, 10, 1, 6, 11};
+        design.Fields.resize(11);
+        for (int i = 1; i <= 10; ++i)
             design.Fields[static_cast<size_t>(i)].FieldType = static_cast<uint8_t>(types[i]);
-        design.FieldCount = 9;
+        design.FieldCount = 10;
         design.Fields[1].FieldCase = 2;
         design.Fields[1].FieldHint = QStringLiteral("Customer name");
         design.Fields[5].FieldDisplay = 30;
@@ -123,6 +123,10 @@ TEST_F(FieldEntryTest, DatesAreReadAndShownInTheFieldsForm)
     EXPECT_EQ(page->FieldDate[4], 0.0);
     // The general date keeps a typed time.
     EXPECT_EQ(typed(9, QStringLiteral("3/15/2023 14:30")), QStringLiteral("3/15/2023 2:30:00 PM"));
+    // The medium time follows the date rules, not the fixed digit places.
+    EXPECT_EQ(typed(10, QStringLiteral("23:05")), QStringLiteral("11:05 PM"));
+    // Midnight reads as 0, which leaves the field's earlier time in place.
+    EXPECT_EQ(typed(10, QStringLiteral("0:00")), QStringLiteral("11:05 PM"));
 }
 
 TEST_F(FieldEntryTest, TimesAreDigitsInFixedPlaces)
