@@ -176,7 +176,7 @@ def contacts():
     d["Titles"] = titles
     d["Pictures"] = [
         {"PictureName": "logo", "PicturePage": 0, "PicturePrint": 1, "FileName": "logo.gif",
-         "Top": 150, "Left": 9600, "Width": 960, "Height": 960, "ToolTip": "Contacts", "PictureHint":
+         "Top": 100, "Left": 9720, "Width": 720, "Height": 720, "ToolTip": "Contacts", "PictureHint":
          "Contacts book", "Border": 0, "Stretch": False, "PictureLink": ""},
         {"PictureName": "photo", "PicturePage": 0, "PicturePrint": 1, "FileName": "", "Top": 4560,
          "Left": 360, "Width": 1800, "Height": 2200, "ToolTip": "Photo", "PictureHint":
@@ -200,7 +200,7 @@ def invoice():
     d.update({"PageWidth": 10800, "PageHeight": 8400, "PageCaptions": ["Invoice", "", "", "", ""],
               "PageBackColor": [rgb("FFFFFF"), 0, 0, 0, 0], "ShowZeros": 0})
     titles = [label(0, 0, 360, 200, "INVOICE", 18, True, "1F5F3F"), label(1, 0, 360, 8040, "Ready", 8),
-              label(2, 0, 8200, 300, "Invoice ", 9, True), label(3, 5, 0, 0, ""), label(4, 5, 0, 0, ""),
+              label(2, 0, 6600, 400, "Invoice ", 9, True), label(3, 5, 0, 0, ""), label(4, 5, 0, 0, ""),
               label(5, 5, 0, 0, "")]
     fields = []
     head = [("Number", 0, 12, 1800), ("Date", 7, 8, 1800), ("Customer", 0, 40, 4200),
@@ -234,13 +234,13 @@ def invoice():
     fields.append(field(0, 1800, top + 40, 8600, 0, 120, formula="f25=CUR(F24)", tab=70,
                         hint="The total in words"))
     d["Fields"] = fields
-    d["Checks"] = [{"CheckPage": 0, "Left": 6600, "Top": 1000, "Tag": "Paid", "CheckTabOrder": 5}]
-    titles.append(label(len(titles), 0, 6900, 1010, "Paid"))
+    d["Checks"] = [{"CheckPage": 0, "Left": 6600, "Top": 1060, "Tag": "Paid", "CheckTabOrder": 5}]
+    titles.append(label(len(titles), 0, 6900, 1060, "Paid"))
     d["Titles"] = titles
     d["Pictures"] = [{"PictureName": "acme", "PicturePage": 0, "PicturePrint": 1, "FileName": "acme.gif",
                       "Top": 200, "Left": 8600, "Width": 1800, "Height": 600, "Stretch": False}]
-    d["Shapes"] = [shape(0, 240, 2700, 10320, 1560, "EEF5F0", "1F5F3F", fillstyle=0)]
-    d["Lines"] = [line(0, 6600, 5200, 10400, 5200, "1F5F3F")]
+    d["Shapes"] = [shape(0, 240, 2700, 10320, 1860, "EEF5F0", "1F5F3F", fillstyle=0)]
+    d["Lines"] = [line(0, 6600, 4660, 10400, 4660, "1F5F3F")]
     d["Buttons"] = [button(0, 360, 7500, 1500, "New invoice", tag="<>")]
     # A list of invoices, ten rows to a page.
     labels = [

@@ -58,7 +58,7 @@ MainWindow::MainWindow(AppPaths paths, DesignLoad load, QWidget *parent)
     }
 
     const QSize page = canvas_->size();
-    resize(qMin(page.width() + 24, 1400), qMin(page.height() + tabs_->sizeHint().height() + 60, 1000));
+    resize(qMin(page.width() + 2, 1400), qMin(page.height() + tabs_->sizeHint().height() + statusBar()->sizeHint().height() + 2, 1000));
 }
 
 QString MainWindow::statusText() const { return status_->text(); }

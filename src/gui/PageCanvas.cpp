@@ -71,7 +71,10 @@ Qt::BrushStyle brushStyleOf(int16_t fillStyle)
 PageCanvas::PageCanvas(const Design &design, const QString &pictureFolder, QWidget *parent)
     : QWidget(parent), design_(design), pictureFolder_(pictureFolder), tpp_(ff::gui::twipsPerPixel(this))
 {
-    setAttribute(Qt::WA_OpaquePaintEvent);
+    // The page's elements take their colours from the design, never from the scroll area around it
+    // (whose dark background would otherwise turn label text light).
+    setBackgroundRole(QPalette::Window);
+    setForegroundRole(QPalette::WindowText);
     setFixedSize(qMax(1, toPixels(design.PageWidth, tpp_)), qMax(1, toPixels(design.PageHeight, tpp_)));
     buildBackground();
     buildElements();
@@ -184,7 +187,7 @@ void PageCanvas::buildElements()
         label->setAccessibleName(p.PictureName);
         if (p.Border != 0)
             label->setFrameShape(QFrame::Box);
-        const QRect r = twipsRect(p.Left, p.Top, p.Width, p.Height, tpp_);
+        QRect r = twipsRect(p.Left, p.Top, p.Width, p.Height, tpp_);
         if (!p.FileName.isEmpty()) {
             QPixmap pix(QDir(pictureFolder_).filePath(p.FileName));
             if (!pix.isNull())
@@ -192,6 +195,10 @@ void PageCanvas::buildElements()
                                            : pix);
         }
         label->setScaledContents(p.Stretch);
+        // Without Stretch the picture keeps its own size and the box takes it, as the design's
+        // picture boxes do; with Stretch the picture fills the box the design gives.
+        if (!p.Stretch && label->pixmap().width() > 0)
+            r.setSize(label->pixmap().size());
         label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
         if (!p.PictureLink.isEmpty())
             label->setCursor(Qt::WhatsThisCursor);
@@ -208,7 +215,6 @@ void PageCanvas::buildElements()
         label->setTextFormat(Qt::PlainText);
         label->setFont(elementFont(t.FontName, t.FontSize, t.FontBold, t.FontItalic, t.FontUnderline));
         setColors(label, t.ForeColor, 0, false);
-        label->setAttribute(Qt::WA_TranslucentBackground);
         label->setAlignment(alignmentOf(t.Alignment));
         label->setToolTip(t.ToolTip);
         label->setAccessibleName(t.Tag.isEmpty() ? t.Caption : t.Tag);

@@ -1,0 +1,157 @@
+// The first window over the shipped contacts design: every element where the design puts it, the
+// tabs of the pages in use, and a damaged design that still opens and says so.
+
+#include "design/DesignJson.h"
+#include "design/DesignReader.h"
+#include "design/DesignWriter.h"
+#include "gui/MainWindow.h"
+#include "gui/PageCanvas.h"
+#include "gui/Twips.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QRandomGenerator>
+#include <QTabBar>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace ff;
+
+namespace {
+
+QString examplePath(const QString &name)
+{
+    return QDir(QString::fromLocal8Bit(qgetenv("FLATFORM_SOURCE_DIR"))).filePath(QStringLiteral("examples/") + name);
+}
+
+// A head of varied bytes stands in for the run-time; the texts' salts come from it.
+QByteArray fakeHead()
+{
+    QByteArray head(8192, '\0');
+    QRandomGenerator rng(7);
+    for (auto &b : head)
+        b = static_cast<char>(rng.bounded(256));
+    return head;
+}
+
+struct BuiltImage {
+    QByteArray bytes;
+    qsizetype headSize = 0;
+    Design design;
+};
+
+BuiltImage buildContacts()
+{
+    QFile json(examplePath(QStringLiteral("contacts/contacts.json")));
+    if (!json.open(QIODevice::ReadOnly))
+        qFatal("cannot open the contacts example");
+    auto design = DesignJson::fromText(json.readAll());
+    if (!design)
+        qFatal("contacts example: %s", qPrintable(design.error().text));
+    DesignWriter::Files files;
+    for (const QString &name : {QStringLiteral("logo.gif"), QStringLiteral("paper.gif")}) {
+        QFile f(examplePath(QStringLiteral("contacts/") + name));
+        if (!f.open(QIODevice::ReadOnly))
+            qFatal("missing example picture");
+        files.insert(name, f.readAll());
+    }
+    const QByteArray head = fakeHead();
+    auto image = DesignWriter::writeImage(*design, head, files);
+    if (!image)
+        qFatal("writing the image failed: %s", qPrintable(image.error().text));
+    return {*image, head.size(), *design};
+}
+
+AppPaths pathsIn(const QTemporaryDir &dir)
+{
+    return ParseCommandLine(dir.filePath(QStringLiteral("contacts.exe")), {});
+}
+
+} // namespace
+
+class MainWindowTest : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void showsEveryElementAtItsDesignGeometry()
+    {
+        QTemporaryDir dir;
+        const BuiltImage built = buildContacts();
+        QFile out(dir.filePath(QStringLiteral("contacts.exe")));
+        QVERIFY(out.open(QIODevice::WriteOnly));
+        out.write(built.bytes);
+        out.close();
+
+        DesignReadOptions options;
+        options.extractFolder = dir.path();
+        DesignLoad load = ReadDesign(out.fileName(), options);
+        QVERIFY2(load.complete(), qPrintable(load.error.text));
+        QVERIFY(QFile::exists(dir.filePath(QStringLiteral("logo.gif")))); // extracted beside the image
+
+        gui::MainWindow window(pathsIn(dir), std::move(load));
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        const Design &d = window.design();
+        QCOMPARE(window.windowTitle(), QStringLiteral("Contacts book"));
+        QCOMPARE(window.statusText(), QStringLiteral("Ready"));
+
+        // Two pages in use: two tabs with the design's captions.
+        QCOMPARE(window.pageTabs()->count(), 2);
+        QCOMPARE(window.pageTabs()->tabText(0), QStringLiteral("Contact"));
+        QCOMPARE(window.pageTabs()->tabText(1), QStringLiteral("Notes"));
+
+        gui::PageCanvas *canvas = window.canvas();
+        const double tpp = canvas->twipsPerPixel();
+        QCOMPARE(canvas->size(), QSize(gui::toPixels(d.PageWidth, tpp), gui::toPixels(d.PageHeight, tpp)));
+        for (int i = 1; i <= d.FieldCount; ++i) {
+            const FieldElement &f = d.Fields[size_t(i)];
+            QWidget *w = canvas->fieldWidget(i);
+            QVERIFY(w);
+            QCOMPARE(w->geometry(), gui::twipsRect(f.Left, f.Top, f.Width, f.Height, tpp));
+            QCOMPARE(w->isVisible(), f.FieldPage == 0);
+        }
+        // The note stands on the second page: hidden until its tab is chosen.
+        QWidget *note = canvas->noteWidget(1);
+        QVERIFY(!note->isVisible());
+        window.pageTabs()->setCurrentIndex(1);
+        QVERIFY(note->isVisible());
+        QVERIFY(!canvas->fieldWidget(1)->isVisible());
+        QCOMPARE(note->geometry(), gui::twipsRect(d.Notes[1].Left, d.Notes[1].Top, d.Notes[1].Width,
+                                                  d.Notes[1].Height, tpp));
+        window.pageTabs()->setCurrentIndex(0);
+
+        // Labels carry their captions at their positions; the logo shows its extracted picture.
+        auto *first = qobject_cast<QLabel *>(canvas->titleWidget(6));
+        QVERIFY(first);
+        QCOMPARE(first->text(), d.Titles[6].Caption);
+        QCOMPARE(first->pos(), QPoint(gui::toPixels(d.Titles[6].Left, tpp), gui::toPixels(d.Titles[6].Top, tpp)));
+        auto *logo = qobject_cast<QLabel *>(canvas->pictureWidget(0));
+        QVERIFY(logo && !logo->pixmap().isNull());
+        // Page 0 is painted with its tiled background: the grab differs from a plain fill.
+        const QImage shot = canvas->grab().toImage();
+        QVERIFY(shot.pixelColor(2, 2) != shot.pixelColor(40, 2) || shot.pixelColor(2, 2) != shot.pixelColor(2, 40));
+    }
+
+    void aDamagedDesignOpensWithWhatWasRead()
+    {
+        QTemporaryDir dir;
+        const BuiltImage built = buildContacts();
+        // Cut off the last quarter of the block and give it a tail that points at its start.
+        const qsizetype blockSize = built.bytes.size() - built.headSize - 4;
+        QByteArray cut = built.bytes.left(built.headSize + blockSize * 3 / 4);
+        const qint32 distance = static_cast<qint32>(blockSize * 3 / 4);
+        cut.append(reinterpret_cast<const char *>(&distance), 4);
+        DesignLoad load = ReadDesignFromBytes(cut, {});
+        QVERIFY(!load.complete());
+        QVERIFY2(load.design.FieldCount > 0, qPrintable(load.error.text)); // the elements before the cut were read
+        gui::MainWindow window(pathsIn(dir), std::move(load));
+        window.show();
+        QVERIFY(window.statusText().startsWith(QStringLiteral("The design could not be read completely")));
+        QVERIFY(window.canvas()->fieldWidget(1));
+    }
+};
+
+QTEST_MAIN(MainWindowTest)
+#include "test_mainwindow.moc"
