@@ -110,8 +110,8 @@ def contacts():
               "PageBackColor": [rgb("F7F5EF"), rgb("F2F4F7"), 0, 0, 0], "BackgroundPicture": "paper.gif",
               "TileMode": 0, "MailAddressField": 5, "MailNameField": 2})
     col1, col2, w = 360, 2160, 3000
-    rows = [("First name", 0, 30, "Text", 3), ("Last name", 0, 30, "Text", 3), ("Company", 0, 40, "", 0),
-            ("Phone", 0, 20, "", 0), ("E-mail", 0, 50, "", 2), ("Web", 0, 60, "", 2)]
+    rows = [("First name", 0, 30, "Text", 2), ("Last name", 0, 30, "Text", 2), ("Company", 0, 40, "", 0),
+            ("Phone", 0, 20, "", 0), ("E-mail", 0, 50, "", 3), ("Web", 0, 60, "", 3)]
     fields, titles = [], []
     titles.append(label(0, 0, 360, 150, "Contacts", 16, True, "1D3F66"))
     titles.append(label(1, 0, 360, 7440, "Ready", 8, False, "505050"))       # status line
@@ -191,6 +191,7 @@ def contacts():
         button(0, 3800, 6840, 1300, "Customers", script="select F1 F2 F3 where C1='Customer'",
                tip="Lists the customers"),
         button(1, 8880, 6900, 1500, "Previous", tag="<", tip="One contact back"),
+        button(1, 6600, 6900, 2100, "Quit, don't save", tag="END", tip="Ends at once without saving"),
     ]
     return d
 

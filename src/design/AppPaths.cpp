@@ -6,15 +6,16 @@ namespace ff {
 
 QString ProperCase(const QString &text)
 {
+    // Words are separated by white space only: "contacts.dat" stays "Contacts.dat".
     QString out = text.toLower();
     bool wordStart = true;
     for (QChar &c : out) {
-        if (c.isLetterOrNumber() || c == QLatin1Char('\'')) {
+        if (c.isSpace()) {
+            wordStart = true;
+        } else {
             if (wordStart)
                 c = c.toUpper();
             wordStart = false;
-        } else {
-            wordStart = true;
         }
     }
     return out;
@@ -66,7 +67,8 @@ QString AppPaths::dataFileName(const QString &dataExtension) const
         name.remove(QLatin1Char('"'));
         return name.trimmed();
     }
-    return ProperCase(AppBase + dotExt);
+    // The data set lives beside the image, wherever the program was started from.
+    return AppFolder + ProperCase(AppBase + dotExt);
 }
 
 } // namespace ff

@@ -21,8 +21,9 @@ struct AppPaths {
     QString imagePath() const { return AppBasePath + QStringLiteral(".exe"); }
     QString userFilePath() const { return AppBasePath + QStringLiteral(".cfg"); }
 
-    // The data file: a name on the command line that holds "." + extension (quotes removed), else
-    // AppBase + "." + extension in proper case.
+    // The data file: a name on the command line that holds "." + extension (quotes removed, taken
+    // as typed, so relative to the current folder), else AppBase + "." + extension in proper case
+    // in the image's folder.
     QString dataFileName(const QString &dataExtension) const;
 };
 

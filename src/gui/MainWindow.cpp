@@ -1,27 +1,209 @@
 #include "gui/MainWindow.h"
 
+#include "entry/EngineFormulaHooks.h"
+#include "entry/FieldEntry.h"
+#include "entry/PageActions.h"
+#include "entry/PageClock.h"
+#include "formula/DateNumber.h"
+#include "formula/FieldFormat.h"
+#include "gui/Form2Host.h"
+#include "gui/PageBinder.h"
 #include "gui/PageCanvas.h"
-#include "gui/Twips.h"
+#include "store/Database.h"
+#include "toolkit/Calculator.h"
+#include "toolkit/Clc.h"
 
+#include <QApplication>
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QIntValidator>
 #include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QStatusBar>
+#include <QStyle>
 #include <QTabBar>
+#include <QTimer>
+#include <QToolBar>
+#include <QToolButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <cmath>
 
 namespace ff::gui {
 
-MainWindow::MainWindow(AppPaths paths, DesignLoad load, QWidget *parent)
-    : QMainWindow(parent), paths_(std::move(paths)), load_(std::move(load))
+// The database is made before the window's host exists; its messages go through this relay.
+class RelayHost : public StoreHost {
+public:
+    Form2Host *to = nullptr;
+    void ShowMessage(const QString &caption, const QString &text, int color) override
+    {
+        if (to)
+            to->ShowMessage(caption, text, color);
+    }
+    void YieldToEvents() override
+    {
+        if (to)
+            to->YieldToEvents();
+    }
+};
+
+namespace {
+
+// A caption of the design's command run used as a tool tip: the accelerator's ampersand goes.
+QString tipOf(const QString &caption)
 {
-    const Design &d = load_.design;
-    setWindowTitle(d.MainCap.isEmpty() ? paths_.AppBase : d.MainCap);
-    if (!d.AppFontName.isEmpty()) {
+    QString t = caption;
+    return t.remove(QLatin1Char('&'));
+}
+
+} // namespace
+
+MainWindow::MainWindow(AppPaths paths, DesignLoad load, QWidget *parent)
+    : QMainWindow(parent), paths_(std::move(paths)), loadError_(load.error)
+{
+    const Design &d = load.design;
+    context_.AppTitle = d.MainCap;
+    context_.AppPath = paths_.AppFolder;
+    hooks_ = std::make_unique<EngineFormulaHooks>(context_);
+    relay_ = std::make_unique<RelayHost>();
+    db_ = std::make_unique<Database>(std::move(load.design), paths_, relay_.get(), hooks_.get());
+    host_ = std::make_unique<Form2Host>(*db_, context_, this);
+    relay_->to = host_.get();
+    context_.host = host_.get();
+    host_->recordShown = [this] { recordShown(); };
+    host_->endNow = [this] {
+        endingNow_ = true;
+        close();
+    };
+
+    db_->start();
+    setWindowTitle(db_->MainCaption.isEmpty() ? paths_.AppBase : db_->MainCaption);
+    if (!design().AppFontName.isEmpty()) {
         QFont f = font();
-        f.setFamily(d.AppFontName);
+        f.setFamily(design().AppFontName);
         setFont(f);
     }
 
+    entry_ = std::make_unique<FieldEntry>(db_->page(), *host_, context_.locale);
+    actions_ = std::make_unique<PageActions>(db_->page(), *host_, entry_->state());
+    buildToolbar();
+    buildPage();
+    openData(0);
+}
+
+MainWindow::~MainWindow()
+{
+    // The binder and the canvas refer to the page: they go before the database.
+    delete binder_;
+    binder_ = nullptr;
+    delete takeCentralWidget();
+}
+
+const Design &MainWindow::design() const { return db_->design(); }
+
+void MainWindow::buildToolbar()
+{
+    const Design &d = design();
+    auto *bar = addToolBar(tr("Records"));
+    bar->setObjectName(QStringLiteral("records"));
+    bar->setMovable(false);
+    QStyle *st = style();
+
+    auto *menu = menuBar()->addMenu(tr("&File"));
+    const QString openCaption = d.CaptionRun[0].isEmpty() ? tr("&Open...") : d.CaptionRun[0];
+    const QString createCaption = d.CaptionRun[1].isEmpty() ? tr("&Create...") : d.CaptionRun[1];
+    QAction *open = menu->addAction(st->standardIcon(QStyle::SP_DialogOpenButton), openCaption, this,
+                                    [this] { chooseDataFile(false); });
+    open->setShortcut(QKeySequence::Open);
+    QAction *create = menu->addAction(st->standardIcon(QStyle::SP_FileDialogNewFolder), createCaption, this,
+                                      [this] { chooseDataFile(true); });
+    menu->addSeparator();
+    menu->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
+    bar->addAction(open);
+    open->setToolTip(tipOf(openCaption));
+    bar->addSeparator();
+
+    const QStyle::StandardPixmap icons[6] = {QStyle::SP_MediaSkipBackward, QStyle::SP_MediaSeekBackward,
+                                             QStyle::SP_ArrowLeft,         QStyle::SP_ArrowRight,
+                                             QStyle::SP_MediaSeekForward,  QStyle::SP_MediaSkipForward};
+    const QString tips[6] = {tr("First record"), tr("Ten records back"), tr("Previous record"),
+                             tr("Next record"),  tr("Ten records on"),   tr("Last record")};
+    for (int i = 0; i < 6; ++i) {
+        auto *b = new QToolButton(bar);
+        b->setIcon(st->standardIcon(icons[i]));
+        b->setToolTip(tips[i]);
+        b->setAccessibleName(tips[i]);
+        connect(b, &QToolButton::clicked, this, [this, i] { host_->navigate(i); });
+        Command2[size_t(i)] = b;
+        if (i == 3) {
+            Text1 = new QLineEdit(bar);
+            Text1->setValidator(new QIntValidator(1, 2000000000, Text1));
+            Text1->setAlignment(Qt::AlignCenter);
+            Text1->setMaximumWidth(90);
+            Text1->setAccessibleName(tr("Record number"));
+            Text1->setToolTip(tr("Record number: type one and press Enter"));
+            connect(Text1, &QLineEdit::returnPressed, this, &MainWindow::jumpToTypedRecord);
+            bar->addWidget(Text1);
+        }
+        bar->addWidget(b);
+    }
+    Newbut = new QToolButton(bar);
+    Newbut->setIcon(st->standardIcon(QStyle::SP_FileIcon));
+    Newbut->setText(tr("New"));
+    Newbut->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    Newbut->setToolTip(d.CaptionRun[6].isEmpty() ? tr("New record") : tipOf(d.CaptionRun[6]));
+    Newbut->setAccessibleName(tr("New record"));
+    connect(Newbut, &QToolButton::clicked, this, [this] { host_->newRecord(); });
+    bar->addSeparator();
+    bar->addWidget(Newbut);
+
+    Image8 = new QToolButton(bar);
+    Image8->setIcon(st->standardIcon(QStyle::SP_CommandLink));
+    Image8->setAccessibleName(tr("Field action"));
+    connect(Image8, &QToolButton::clicked, this, [this] {
+        if (actions_->actionButtonClicked())
+            Timer1->start();
+        else if (!actions_->stopWatch().running())
+            Timer1->stop();
+    });
+    bar->addSeparator();
+    QAction *actionItem = bar->addWidget(Image8);
+    actionItem->setVisible(false);
+    Image8->setProperty("toolbarAction", QVariant::fromValue(static_cast<QObject *>(actionItem)));
+
+    auto *tools = menuBar()->addMenu(tr("&Tools"));
+    tools->addAction(tr("&Calculator"), this, [this] {
+        auto *calc = new toolkit::Calculator(this);
+        calc->setAttribute(Qt::WA_DeleteOnClose);
+        calc->show();
+    });
+
+    if (d.CaptionRun[0].isEmpty())
+        open->setVisible(false);
+    if (d.CaptionRun[1].isEmpty())
+        create->setVisible(false);
+    create->setObjectName(QStringLiteral("newin"));
+
+    Timer1 = new QTimer(this);
+    Timer1->setInterval(1000);
+    connect(Timer1, &QTimer::timeout, this, [this] { actions_->stopWatchTick(); });
+    Timer2 = new QTimer(this);
+    Timer2->setInterval(1000);
+    connect(Timer2, &QTimer::timeout, this, &MainWindow::updateClock);
+    Timer2->start();
+}
+
+void MainWindow::buildPage()
+{
+    const Design &d = design();
     auto *central = new QWidget(this);
     auto *layout = new QVBoxLayout(central);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -49,20 +231,187 @@ MainWindow::MainWindow(AppPaths paths, DesignLoad load, QWidget *parent)
     layout->addWidget(scroll_, 1);
     setCentralWidget(central);
 
+    binder_ = new PageBinder(*canvas_, db_->page(), *entry_, *actions_, this);
+    binder_->actionChanged = [this](const FieldAction &a) { showAction(a); };
+    binder_->datePickerWanted = [this](int field) { pickDate(field); };
+    binder_->scrollWanted = [this](int delta) {
+        QScrollBar *v = scroll_->verticalScrollBar();
+        v->setValue(qBound(v->minimum(), v->value() + delta, v->maximum()));
+    };
+    setTabOrder();
+
     status_ = new QLabel(this);
+    status_->setAccessibleName(tr("Status"));
+    clock_ = new QLabel(this);
+    clock_->setAccessibleName(tr("Clock"));
     statusBar()->addWidget(status_, 1);
-    if (!load_.complete()) {
-        status_->setText(tr("The design could not be read completely: %1").arg(load_.error.text));
-    } else {
-        status_->setText(tr("Ready"));
-    }
+    statusBar()->addPermanentWidget(clock_);
+    updateClock();
 
     const QSize page = canvas_->size();
-    resize(qMin(page.width() + 2, 1400), qMin(page.height() + tabs_->sizeHint().height() + statusBar()->sizeHint().height() + 2, 1000));
+    resize(qMin(page.width() + 2, 1400),
+           qMin(page.height() + tabs_->sizeHint().height() + statusBar()->sizeHint().height() + 70, 1000));
+}
+
+void MainWindow::setTabOrder()
+{
+    // Focus order by the design's order numbers; for equal numbers fields come first, then check
+    // boxes, combos and notes.
+    const Design &d = design();
+    struct Stop {
+        int order, kind, index;
+        QWidget *w;
+    };
+    std::vector<Stop> stops;
+    for (int i = 1; i < int(d.Fields.size()); ++i)
+        stops.push_back({d.Fields[size_t(i)].FieldTabOrder, 0, i, canvas_->fieldWidget(i)});
+    for (int i = 0; i < int(d.Checks.size()); ++i)
+        stops.push_back({d.Checks[size_t(i)].CheckTabOrder, 1, i, canvas_->checkWidget(i)});
+    for (int i = 1; i < int(d.Combos.size()); ++i)
+        stops.push_back({d.Combos[size_t(i)].ComboTabOrder, 2, i, canvas_->comboWidget(i)});
+    for (int i = 1; i < int(d.Notes.size()); ++i)
+        stops.push_back({d.Notes[size_t(i)].NoteTabOrder, 3, i, canvas_->noteWidget(i)});
+    std::stable_sort(stops.begin(), stops.end(), [](const Stop &a, const Stop &b) {
+        return a.order != b.order ? a.order < b.order : a.kind < b.kind;
+    });
+    QWidget *previous = nullptr;
+    for (const Stop &s : stops) {
+        if (!s.w)
+            continue;
+        if (previous)
+            QWidget::setTabOrder(previous, s.w);
+        previous = s.w;
+    }
+}
+
+void MainWindow::openData(int mode)
+{
+    if (!loadError_.text.isEmpty() && design().DataExtension.isEmpty()) {
+        recordShown();
+        return;
+    }
+    db_->OpenDatabase(mode);
+    binder_->setPictureFolder(db_->store().RecordPictureFolder,
+                              QPixmap(QDir(paths_.AppFolder).filePath(QStringLiteral("0.jpg"))));
+    binder_->refreshAll();
+    const bool writable = db_->store().writingAllowed();
+    Newbut->setEnabled(writable);
+    if (design().AutoRunButton == 1 && !design().Buttons.empty()) {
+        db_->store().RecordDirty = false;
+        actions_->buttonPressed(0);
+    }
+    recordShown();
+}
+
+void MainWindow::openDataFile(const QString &fileName, bool create)
+{
+    db_->store().SaveIfDirty();
+    db_->DataFileName = fileName;
+    openData(create ? 1 : 0);
+}
+
+void MainWindow::chooseDataFile(bool create)
+{
+    db_->store().SaveIfDirty();
+    const Design &d = design();
+    const QString filter = tr("Data files (*.%1);;All files (*)").arg(d.DataExtension);
+    const QString caption = create ? tipOf(d.CaptionRun[1]) : tipOf(d.CaptionRun[0]);
+    QString name = create ? QFileDialog::getSaveFileName(this, caption, paths_.AppFolder, filter, nullptr,
+                                                         QFileDialog::DontConfirmOverwrite)
+                          : QFileDialog::getOpenFileName(this, caption, paths_.AppFolder, filter);
+    if (name.isEmpty())
+        return;
+    if (QFileInfo(name).suffix().isEmpty())
+        name += QLatin1Char('.') + d.DataExtension;
+    QString message;
+    if (!create && !QFileInfo::exists(name))
+        message = d.MessageText[1];
+    else if (create && QFileInfo::exists(name))
+        message = d.MessageText[11];
+    if (!message.isNull()) {
+        host_->ShowMessage(db_->MainCaption, message.replace(QLatin1Char('*'), name), kFormulaMessageColour);
+        return;
+    }
+    openDataFile(name, create);
+}
+
+void MainWindow::recordShown()
+{
+    const RecordStore &s = db_->store();
+    context_.RecordCount = s.RecordCount;
+    Text1->setText(QString::number(s.CurrentRecord));
+    QString text;
+    if (!loadError_.text.isEmpty())
+        text = tr("The design could not be read completely: %1").arg(loadError_.text);
+    else if (db_->DataFileName.isEmpty())
+        text = tr("No data file");
+    else
+        text = tr("%1: record %2 of %3%4")
+                   .arg(QFileInfo(db_->DataFileName).fileName())
+                   .arg(s.CurrentRecord)
+                   .arg(s.RecordCount)
+                   .arg(s.writingAllowed() ? QString() : tr(" (read only)"));
+    status_->setText(text);
 }
 
 QString MainWindow::statusText() const { return status_->text(); }
 
-void MainWindow::showPage(int page) { canvas_->showPage(page); }
+void MainWindow::showPage(int page) { db_->page().setCurrentPage(page); }
+
+void MainWindow::jumpToTypedRecord()
+{
+    bool ok = false;
+    const int n = Text1->text().toInt(&ok);
+    if (ok && n >= 1 && n <= db_->store().RecordCount) {
+        db_->store().JumpToRecord(n);
+    }
+    recordShown();
+}
+
+void MainWindow::showAction(const FieldAction &action)
+{
+    auto *item = qobject_cast<QAction *>(Image8->property("toolbarAction").value<QObject *>());
+    if (item)
+        item->setVisible(action.visible());
+    Image8->setToolTip(action.tip);
+}
+
+void MainWindow::pickDate(int field)
+{
+    if (!entry_->beginEdit())
+        return;
+    Page &page = db_->page();
+    const int type = design().Fields[size_t(field)].FieldType;
+    const double old = page.FieldDate.value(field);
+    QDate start = old != 0 ? DateFromNumber(old).date() : QDate::currentDate();
+    toolkit::Clc calendar(start, this);
+    if (calendar.exec() != QDialog::Accepted || !calendar.pickedDate().isValid())
+        return;
+    // The picked day keeps the time of day the field held.
+    const double time = old - std::floor(old);
+    const double value = NumberFromDate(calendar.pickedDate()) + (old > 0 ? time : 0);
+    page.FieldDate[field] = value;
+    page.setFieldText(field, FormatStoredValue(value, type, context_.locale));
+    host_->runFormulas();
+    page.notifyAll();
+}
+
+void MainWindow::updateClock()
+{
+    clock_->setText(PageClock::text(QDateTime::currentDateTime(), design().ClockFormat, context_.locale));
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    Timer1->stop();
+    Timer2->stop();
+    // Leaving the page saves a dirty record and rewrites the per-user file; "END" ends at once.
+    if (!endingNow_) {
+        if (QWidget *focus = QApplication::focusWidget())
+            focus->clearFocus(); // the field being typed in converts its text first
+        db_->shutdown();
+    }
+    event->accept();
+}
 
 } // namespace ff::gui

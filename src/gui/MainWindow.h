@@ -1,40 +1,97 @@
 #pragma once
-// The main window: the page box with its elements, the tabs of the pages in use and the status
-// line. It shows the design read from the app image; if the design could not be read completely,
-// it opens with what was read and says so in the status line.
+// The main window: the toolbar with the navigation buttons, the new-record button and the record
+// box, the tabs of the pages in use, the page box and the status line. It owns the open database
+// and binds the page to its widgets; the record on screen lives in the core page, not here.
+// If the design could not be read completely, it opens with what was read and says so.
 
 #include "design/AppPaths.h"
 #include "design/DesignReader.h"
+#include "formula/FormulaContext.h"
 
 #include <QMainWindow>
+#include <memory>
 
 class QLabel;
+class QLineEdit;
 class QScrollArea;
 class QTabBar;
+class QTimer;
+class QToolButton;
+
+namespace ff {
+class Database;
+class EngineFormulaHooks;
+class FieldEntry;
+class FieldAction;
+class PageActions;
+} // namespace ff
 
 namespace ff::gui {
 
+class Form2Host;
+class PageBinder;
 class PageCanvas;
+class RelayHost;
 
 class MainWindow : public QMainWindow {
     Q_OBJECT
 public:
     MainWindow(AppPaths paths, DesignLoad load, QWidget *parent = nullptr);
+    ~MainWindow() override;
 
-    const Design &design() const { return load_.design; }
+    const Design &design() const;
+    Database &database() { return *db_; }
+    Form2Host &host() { return *host_; }
+    FieldEntry &entry() { return *entry_; }
     PageCanvas *canvas() const { return canvas_; }
     QTabBar *pageTabs() const { return tabs_; }
+    QLineEdit *recordBox() const { return Text1; }
+    QToolButton *navigationButton(int i) const { return Command2[size_t(i)]; }
+    QToolButton *newButton() const { return Newbut; }
     QString statusText() const;
 
+    // Opens (create false) or creates a data file by name, as the Open and Create commands do
+    // after their file dialog.
+    void openDataFile(const QString &fileName, bool create);
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
 private:
+    void buildToolbar();
+    void buildPage();
+    void setTabOrder();
+    void openData(int mode);
+    void recordShown();
     void showPage(int page);
+    void jumpToTypedRecord();
+    void chooseDataFile(bool create);
+    void showAction(const FieldAction &action);
+    void pickDate(int field);
+    void updateClock();
 
     AppPaths paths_;
-    DesignLoad load_;
+    Error loadError_;
+    FormulaContext context_;
+    std::unique_ptr<EngineFormulaHooks> hooks_;
+    std::unique_ptr<RelayHost> relay_;
+    std::unique_ptr<Database> db_;
+    std::unique_ptr<Form2Host> host_;
+    std::unique_ptr<FieldEntry> entry_;
+    std::unique_ptr<PageActions> actions_;
     PageCanvas *canvas_ = nullptr;
+    PageBinder *binder_ = nullptr;
     QTabBar *tabs_ = nullptr;
     QScrollArea *scroll_ = nullptr;
     QLabel *status_ = nullptr;
+    QLabel *clock_ = nullptr;
+    std::array<QToolButton *, 6> Command2{};
+    QToolButton *Newbut = nullptr;
+    QToolButton *Image8 = nullptr; // the action button of the focused field
+    QLineEdit *Text1 = nullptr;
+    QTimer *Timer1 = nullptr; // the stop watch
+    QTimer *Timer2 = nullptr; // the clock
+    bool endingNow_ = false;
 };
 
 } // namespace ff::gui

@@ -130,7 +130,9 @@ void PageCanvas::buildElements()
         edit->setFrame(f.Border != 0);
         edit->setToolTip(f.ToolTip);
         edit->setAccessibleName(f.FieldHint.isEmpty() ? QStringLiteral("Field %1").arg(i) : f.FieldHint);
-        if (f.MaxLength > 0)
+        // Text formats keep their slot's length; numbers and dates take expressions and long forms.
+        const bool storedAsText = f.FieldType == 0 || f.FieldType >= 10;
+        if (storedAsText && f.MaxLength > 0)
             edit->setMaxLength(f.MaxLength);
         place(edit, f.Left, f.Top, f.Width, f.Height);
         fields_[i] = {edit, f.FieldPage};

@@ -1,19 +1,15 @@
 // The first window over the shipped contacts design: every element where the design puts it, the
 // tabs of the pages in use, and a damaged design that still opens and says so.
 
-#include "design/DesignJson.h"
-#include "design/DesignReader.h"
-#include "design/DesignWriter.h"
+#include "ExampleImage.h"
 #include "gui/MainWindow.h"
 #include "gui/PageCanvas.h"
 #include "gui/Twips.h"
 
-#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QRandomGenerator>
 #include <QTabBar>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -21,49 +17,6 @@
 using namespace ff;
 
 namespace {
-
-QString examplePath(const QString &name)
-{
-    return QDir(QString::fromLocal8Bit(qgetenv("FLATFORM_SOURCE_DIR"))).filePath(QStringLiteral("examples/") + name);
-}
-
-// A head of varied bytes stands in for the run-time; the texts' salts come from it.
-QByteArray fakeHead()
-{
-    QByteArray head(8192, '\0');
-    QRandomGenerator rng(7);
-    for (auto &b : head)
-        b = static_cast<char>(rng.bounded(256));
-    return head;
-}
-
-struct BuiltImage {
-    QByteArray bytes;
-    qsizetype headSize = 0;
-    Design design;
-};
-
-BuiltImage buildContacts()
-{
-    QFile json(examplePath(QStringLiteral("contacts/contacts.json")));
-    if (!json.open(QIODevice::ReadOnly))
-        qFatal("cannot open the contacts example");
-    auto design = DesignJson::fromText(json.readAll());
-    if (!design)
-        qFatal("contacts example: %s", qPrintable(design.error().text));
-    DesignWriter::Files files;
-    for (const QString &name : {QStringLiteral("logo.gif"), QStringLiteral("paper.gif")}) {
-        QFile f(examplePath(QStringLiteral("contacts/") + name));
-        if (!f.open(QIODevice::ReadOnly))
-            qFatal("missing example picture");
-        files.insert(name, f.readAll());
-    }
-    const QByteArray head = fakeHead();
-    auto image = DesignWriter::writeImage(*design, head, files);
-    if (!image)
-        qFatal("writing the image failed: %s", qPrintable(image.error().text));
-    return {*image, head.size(), *design};
-}
 
 AppPaths pathsIn(const QTemporaryDir &dir)
 {
@@ -78,15 +31,8 @@ private Q_SLOTS:
     void showsEveryElementAtItsDesignGeometry()
     {
         QTemporaryDir dir;
-        const BuiltImage built = buildContacts();
-        QFile out(dir.filePath(QStringLiteral("contacts.exe")));
-        QVERIFY(out.open(QIODevice::WriteOnly));
-        out.write(built.bytes);
-        out.close();
-
-        DesignReadOptions options;
-        options.extractFolder = dir.path();
-        DesignLoad load = ReadDesign(out.fileName(), options);
+        const auto built = fftest::buildExample(QStringLiteral("contacts"), dir.path());
+        DesignLoad load = fftest::loadImage(built.path);
         QVERIFY2(load.complete(), qPrintable(load.error.text));
         QVERIFY(QFile::exists(dir.filePath(QStringLiteral("logo.gif")))); // extracted beside the image
 
@@ -95,7 +41,9 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         const Design &d = window.design();
         QCOMPARE(window.windowTitle(), QStringLiteral("Contacts book"));
-        QCOMPARE(window.statusText(), QStringLiteral("Ready"));
+        // The data file is made beside the image on first start, named after it.
+        QCOMPARE(window.statusText(), QStringLiteral("Contacts.dat: record 1 of 1"));
+        QVERIFY(QFile::exists(dir.filePath(QStringLiteral("Contacts.dat"))));
 
         // Two pages in use: two tabs with the design's captions.
         QCOMPARE(window.pageTabs()->count(), 2);
@@ -137,7 +85,7 @@ private Q_SLOTS:
     void aDamagedDesignOpensWithWhatWasRead()
     {
         QTemporaryDir dir;
-        const BuiltImage built = buildContacts();
+        const auto built = fftest::buildExample(QStringLiteral("contacts"));
         // Cut off the last quarter of the block and give it a tail that points at its start.
         const qsizetype blockSize = built.bytes.size() - built.headSize - 4;
         QByteArray cut = built.bytes.left(built.headSize + blockSize * 3 / 4);

@@ -1,0 +1,25 @@
+#pragma once
+// The record store's calls into the formula language, answered by the formula library: stored
+// values shown by their format code, number texts read by CleanNumber and Val, the defaults of a
+// new record and the recalculation after a record is shown. The window and the command line give
+// one to their Database, so the page looks the same in both.
+
+#include "formula/FormulaContext.h"
+#include "store/FormulaHooks.h"
+
+namespace ff {
+
+class EngineFormulaHooks : public FormulaHooks {
+public:
+    explicit EngineFormulaHooks(FormulaContext &context) : context_(context) {}
+
+    QString FormatFieldValue(const Design &design, int index, double value) const override;
+    double NumberValue(const QString &text, QChar decimalSeparator) const override;
+    void SetFieldDefault(Page &page, int index, bool showZeros) const override;
+    void RunFormulas(Page &page, int currentRecord) override;
+
+private:
+    FormulaContext &context_;
+};
+
+} // namespace ff

@@ -1,0 +1,79 @@
+#pragma once
+// Binds the widgets of the page box to the core page. A change of the page shows in its widget; a
+// key, a click or a focus change on a widget goes through the entry rules, which change the page.
+// The widgets hold no record state of their own.
+
+#include "design/Page.h"
+#include "entry/FieldAction.h"
+
+#include <QHash>
+#include <QObject>
+#include <QPixmap>
+#include <functional>
+
+class QKeyEvent;
+class QWidget;
+
+namespace ff {
+class FieldEntry;
+class PageActions;
+} // namespace ff
+
+namespace ff::gui {
+
+class PageCanvas;
+
+class PageBinder : public QObject {
+    Q_OBJECT
+public:
+    PageBinder(PageCanvas &canvas, Page &page, FieldEntry &entry, PageActions &actions, QObject *parent = nullptr);
+
+    // Where per-record pictures are and the blank picture for a record without one.
+    void setPictureFolder(const QString &folder, const QPixmap &blank);
+
+    // Every widget from the page.
+    void refreshAll();
+
+    // Told by the window: the action the focused field offers (the action button), a date field's
+    // double click (the calendar), and a scroll of the page by arrows.
+    std::function<void(const FieldAction &)> actionChanged;
+    std::function<void(int field)> datePickerWanted;
+    std::function<void(int delta)> scrollWanted;
+    std::function<void(int picture)> pictureEditorWanted;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    enum class Kind { Field, Combo, Note, Check, Title, Picture };
+    struct Target {
+        Kind kind;
+        int index;
+    };
+    void watch(QObject *object, Kind kind, int index);
+    void refresh(ElementKind kind, int index);
+    void refreshField(int index);
+    void refreshCombo(int index);
+    void refreshNote(int index);
+    void refreshCheck(int index);
+    void refreshTitle(int index);
+    void refreshPicture(int index);
+    bool fieldEvent(int index, QEvent *event);
+    bool comboEvent(int index, QEvent *event);
+    bool noteEvent(int index, QEvent *event);
+    bool checkEvent(int index, QEvent *event);
+    // Runs a key through a key-press rule: false to let the widget have it, true when it was
+    // dropped or replaced.
+    bool applyKeyRule(QWidget *widget, QKeyEvent *key, const std::function<QChar(QChar)> &rule);
+
+    PageCanvas &canvas_;
+    Page &page_;
+    FieldEntry &entry_;
+    PageActions &actions_;
+    QString pictureFolder_;
+    QPixmap blank_;
+    QHash<QObject *, Target> targets_;
+    bool refreshing_ = false;
+};
+
+} // namespace ff::gui
