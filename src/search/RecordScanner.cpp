@@ -1,0 +1,162 @@
+#include "search/RecordScanner.h"
+
+#include "core/Scramble.h"
+
+#include <QFile>
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace ff {
+
+RecordScanner::RecordScanner(const RecordFile &file, int64_t records, bool scrambled, int64_t blockBytes)
+    : file_(file), records_(records), scrambled_(scrambled), length_(std::max(1, file.RecordLength())),
+      perPart_(std::max<int64_t>(1, file.RecordsPerPart()))
+{
+    blockRecords_ = std::max<int64_t>(1, blockBytes / length_);
+    single_.resize(size_t(length_));
+}
+
+RecordScanner::~RecordScanner()
+{
+    for (int fd : readFds_)
+        if (fd >= 0)
+            ::close(fd);
+    for (int fd : writeFds_)
+        if (fd >= 0)
+            ::close(fd);
+}
+
+RecordScanner::Place RecordScanner::place(int64_t record) const
+{
+    int64_t part = record / perPart_;
+    if (part > 0 && record == perPart_ * part)
+        --part; // the exact multiple reads from the end of the previous part
+    return {int(part), record - perPart_ * part};
+}
+
+int RecordScanner::descriptor(int part, bool write)
+{
+    std::vector<int> &fds = write ? writeFds_ : readFds_;
+    if (part >= int(fds.size()))
+        fds.resize(size_t(part) + 1, -2);
+    int &fd = fds[size_t(part)];
+    if (fd == -2) {
+        const QByteArray name = QFile::encodeName(file_.partName(part));
+        fd = ::open(name.constData(), (write ? O_RDWR : O_RDONLY) | O_CLOEXEC);
+        if (fd >= 0 && !write)
+            ::posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
+    }
+    return fd;
+}
+
+// Reads records first..last, all in one part, into `into`; bytes past the end read as blanks.
+bool RecordScanner::load(int64_t first, int64_t last, uint8_t *into)
+{
+    const Place p = place(first);
+    const int fd = descriptor(p.part, false);
+    if (fd < 0)
+        return false;
+    const size_t want = size_t(last - first + 1) * size_t(length_);
+    const off_t start = off_t(p.local * length_ - 1);
+    size_t done = 0;
+    while (done < want) {
+        const ssize_t n = ::pread(fd, into + done, want - done, start + off_t(done));
+        if (n < 0) {
+            if (errno == EINTR)
+                continue;
+            return false;
+        }
+        if (n == 0)
+            break;
+        done += size_t(n);
+    }
+    if (done < want) {
+        // The stored blank, so that unscrambling gives blanks too.
+        uint8_t blank = ' ';
+        if (scrambled_)
+            ScrambleBytes(reinterpret_cast<char *>(&blank), 1);
+        std::memset(into + done, blank, want - done);
+    }
+    if (scrambled_)
+        UnscrambleBytes(reinterpret_cast<char *>(into), qsizetype(want));
+    return true;
+}
+
+const uint8_t *RecordScanner::record(int64_t record, Access access)
+{
+    if (record < 1)
+        return nullptr;
+    if (record >= blockFirst_ && record <= blockLast_)
+        return block_.data() + size_t(record - blockFirst_) * size_t(length_);
+    if (access == Access::Random) {
+        if (!load(record, record, single_.data()))
+            return nullptr;
+        return single_.data();
+    }
+    // A block of whole records within the record's part, on the side the walk goes to.
+    const Place p = place(record);
+    const int64_t partFirst = perPart_ * p.part + 1;
+    const int64_t partLast = std::min(perPart_ * (p.part + 1), std::max(records_, record));
+    int64_t first, last;
+    if (access == Access::Backward) {
+        last = record;
+        first = std::max(partFirst, record - blockRecords_ + 1);
+    } else {
+        first = record;
+        last = std::min(partLast, record + blockRecords_ - 1);
+    }
+    const size_t bytes = size_t(last - first + 1) * size_t(length_);
+    if (block_.size() < bytes)
+        block_.resize(bytes);
+    blockFirst_ = 1;
+    blockLast_ = 0;
+    if (!load(first, last, block_.data()))
+        return nullptr;
+    blockFirst_ = first;
+    blockLast_ = last;
+    return block_.data() + size_t(record - first) * size_t(length_);
+}
+
+Status RecordScanner::write(int64_t record, int offset, const QByteArray &bytes)
+{
+    const Place p = place(record);
+    const int fd = descriptor(p.part, true);
+    if (fd < 0)
+        return makeError(ErrorCode::PathError, file_.partName(p.part));
+    const off_t at = off_t(p.local * length_ - 1 + offset);
+    if (::pwrite(fd, bytes.constData(), size_t(bytes.size()), at) != bytes.size())
+        return makeError(ErrorCode::PathError, file_.partName(p.part));
+    // Later reads of this record see the new bytes.
+    if (record >= blockFirst_ && record <= blockLast_) {
+        QByteArray plain = bytes;
+        if (scrambled_)
+            UnscrambleBytes(plain.data(), plain.size());
+        std::memcpy(block_.data() + size_t(record - blockFirst_) * size_t(length_) + offset, plain.constData(),
+                    size_t(plain.size()));
+    }
+    return {};
+}
+
+bool RecordScanner::heldByOther(int64_t record)
+{
+    if (record < 2)
+        return false;
+    const Place p = place(record);
+    const int fd = descriptor(p.part, true);
+    if (fd < 0)
+        return false;
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = off_t(p.local * length_ - 1);
+    lock.l_len = 1;
+    lock.l_pid = 0;
+    if (::fcntl(fd, F_OFD_GETLK, &lock) != 0)
+        return false;
+    return lock.l_type != F_UNLCK;
+}
+
+} // namespace ff

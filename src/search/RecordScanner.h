@@ -1,0 +1,61 @@
+#pragma once
+// Reads the records of a file set for the walks of the search and the sort: large block reads
+// (a few megabytes, whole records) when the walk goes through the file in order, one positioned
+// read per record when it jumps (a result list, a sort order). The records are handed out in
+// place, unscrambled, and stay valid until the next call: nothing is copied per record and memory
+// stays at one block whatever the size of the store. Record positions follow the record file's
+// reading rule, parts included. The scanner keeps its own descriptors, so that the store's open
+// part and its lock are not disturbed.
+
+#include "core/Result.h"
+#include "store/RecordFile.h"
+
+#include <QByteArray>
+#include <cstdint>
+#include <vector>
+
+namespace ff {
+
+class RecordScanner {
+public:
+    // `records`: how many records the walk may reach (the store's RecordCount).
+    RecordScanner(const RecordFile &file, int64_t records, bool scrambled, int64_t blockBytes = 4 << 20);
+    ~RecordScanner();
+    RecordScanner(const RecordScanner &) = delete;
+    RecordScanner &operator=(const RecordScanner &) = delete;
+
+    enum class Access { Forward, Backward, Random };
+    // The plain bytes of record `record` (RecordLength of them), or null when it cannot be read.
+    // A record beyond the end of its part reads as blanks.
+    const uint8_t *record(int64_t record, Access access);
+
+    // Writes `bytes` (stored form) at `offset` (0-based) in record `record`, on a read-write
+    // descriptor of its part.
+    Status write(int64_t record, int offset, const QByteArray &bytes);
+    // True when another descriptor holds the one-byte lock of `record` (record 1 is never locked).
+    bool heldByOther(int64_t record);
+
+    int recordLength() const { return length_; }
+
+private:
+    struct Place {
+        int part;
+        int64_t local; // 1-based slot in the part
+    };
+    Place place(int64_t record) const;
+    int descriptor(int part, bool write);
+    bool load(int64_t first, int64_t last, uint8_t *into);
+
+    const RecordFile &file_;
+    int64_t records_;
+    bool scrambled_;
+    int length_;
+    int64_t perPart_;
+    int64_t blockRecords_;
+    std::vector<uint8_t> block_;
+    std::vector<uint8_t> single_;
+    int64_t blockFirst_ = 1, blockLast_ = 0;
+    std::vector<int> readFds_, writeFds_;
+};
+
+} // namespace ff

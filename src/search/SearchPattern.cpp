@@ -1,0 +1,166 @@
+#include "search/SearchPattern.h"
+
+#include <cstring>
+
+namespace ff {
+
+SearchPattern::SearchPattern(const QByteArray &pattern)
+{
+    for (qsizetype i = 0; i < pattern.size(); ++i) {
+        const auto c = static_cast<uint8_t>(pattern[i]);
+        Token t;
+        if (c == '*') {
+            if (!tokens_.empty() && tokens_.back().kind == Token::Star)
+                continue; // "**" is one star
+            t.kind = Token::Star;
+        } else if (c == '?') {
+            t.kind = Token::One;
+        } else if (c == '#') {
+            t.kind = Token::Digit;
+        } else if (c == '[' && pattern.indexOf(']', i + 1) > i) {
+            const qsizetype close = pattern.indexOf(']', i + 1);
+            std::bitset<256> set;
+            qsizetype k = i + 1;
+            bool negate = false;
+            if (k < close && pattern[k] == '!') {
+                negate = true;
+                ++k;
+            }
+            for (; k < close; ++k) {
+                const auto a = static_cast<uint8_t>(pattern[k]);
+                if (k + 2 < close && pattern[k + 1] == '-') {
+                    const auto b = static_cast<uint8_t>(pattern[k + 2]);
+                    for (int x = a; x <= b; ++x)
+                        set.set(static_cast<size_t>(x));
+                    k += 2;
+                } else {
+                    set.set(a);
+                }
+            }
+            if (negate)
+                set.flip();
+            t.kind = Token::Set;
+            t.set = static_cast<int>(sets_.size());
+            sets_.push_back(set);
+            i = close;
+        } else {
+            t.byte = c;
+        }
+        tokens_.push_back(t);
+    }
+
+    // Recognise the shapes that need no general matcher.
+    const size_t n = tokens_.size();
+    auto literalRun = [&](size_t from, size_t to, QByteArray &out) {
+        for (size_t k = from; k < to; ++k) {
+            if (tokens_[k].kind != Token::Literal)
+                return false;
+            out.append(static_cast<char>(tokens_[k].byte));
+        }
+        return true;
+    };
+    const bool starFirst = n > 0 && tokens_.front().kind == Token::Star;
+    const bool starLast = n > 0 && tokens_.back().kind == Token::Star;
+    QByteArray run;
+    if (n == 1 && starFirst)
+        shape_ = Shape::Everything;
+    else if (!starFirst && !starLast && literalRun(0, n, run))
+        shape_ = Shape::Exact;
+    else if (!starFirst && starLast && literalRun(0, n - 1, run))
+        shape_ = Shape::Prefix;
+    else if (starFirst && !starLast && literalRun(1, n, run))
+        shape_ = Shape::Suffix;
+    else if (starFirst && starLast && n >= 2 && literalRun(1, n - 1, run))
+        shape_ = Shape::Contains;
+    else
+        shape_ = Shape::General;
+    if (shape_ != Shape::General)
+        literal_ = run;
+}
+
+static bool equalFolded(const uint8_t *value, const QByteArray &literal, const uint8_t *fold)
+{
+    const auto *l = reinterpret_cast<const uint8_t *>(literal.constData());
+    for (qsizetype k = 0; k < literal.size(); ++k)
+        if (fold[value[k]] != l[k])
+            return false;
+    return true;
+}
+
+bool ContainsFolded(const uint8_t *hay, int length, const QByteArray &needle, const uint8_t *fold)
+{
+    const int n = static_cast<int>(needle.size());
+    if (n == 0)
+        return true;
+    if (n > length)
+        return false;
+    const auto *l = reinterpret_cast<const uint8_t *>(needle.constData());
+    const uint8_t first = l[0];
+    const int last = length - n;
+    for (int i = 0; i <= last; ++i) {
+        if (fold[hay[i]] != first)
+            continue;
+        int k = 1;
+        while (k < n && fold[hay[i + k]] == l[k])
+            ++k;
+        if (k == n)
+            return true;
+    }
+    return false;
+}
+
+bool SearchPattern::tokenMatches(const Token &t, uint8_t c) const
+{
+    switch (t.kind) {
+    case Token::Literal: return c == t.byte;
+    case Token::One: return true;
+    case Token::Digit: return c >= '0' && c <= '9';
+    case Token::Set: return sets_[static_cast<size_t>(t.set)].test(c);
+    case Token::Star: return false;
+    }
+    return false;
+}
+
+// The classic single-star backtracking walk: every token but "*" takes exactly one character, so
+// going back to the last star and letting it take one more character is enough.
+bool SearchPattern::matchGeneral(const uint8_t *value, int length, const uint8_t *fold) const
+{
+    const size_t n = tokens_.size();
+    size_t p = 0;
+    int v = 0;
+    size_t starToken = SIZE_MAX;
+    int starValue = 0;
+    while (v < length) {
+        if (p < n && tokens_[p].kind == Token::Star) {
+            starToken = p++;
+            starValue = v;
+        } else if (p < n && tokenMatches(tokens_[p], fold[value[v]])) {
+            ++p;
+            ++v;
+        } else if (starToken != SIZE_MAX) {
+            p = starToken + 1;
+            v = ++starValue;
+        } else {
+            return false;
+        }
+    }
+    while (p < n && tokens_[p].kind == Token::Star)
+        ++p;
+    return p == n;
+}
+
+bool SearchPattern::matches(const uint8_t *value, int length, const uint8_t *fold) const
+{
+    const int n = static_cast<int>(literal_.size());
+    switch (shape_) {
+    case Shape::Everything: return true;
+    case Shape::Exact: return length == n && equalFolded(value, literal_, fold);
+    case Shape::Prefix: return length >= n && equalFolded(value, literal_, fold);
+    case Shape::Suffix: return length >= n && equalFolded(value + length - n, literal_, fold);
+    case Shape::Contains: return ContainsFolded(value, length, literal_, fold);
+    case Shape::General: return matchGeneral(value, length, fold);
+    }
+    return false;
+}
+
+} // namespace ff
