@@ -1,0 +1,83 @@
+#pragma once
+// The users window of the administrator: ten rows at a time over the 251 user entries, each with a
+// name, a password and a read-only box. Entry 0 is the administrator. The window works on plain
+// texts: runUsers decodes the tables before it opens and codes them again when it closes, so the
+// per-user file always holds the coded forms.
+
+#include "store/UserTable.h"
+
+#include <QDialog>
+#include <array>
+#include <functional>
+
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QScrollBar;
+
+namespace ff {
+class Database;
+struct Design;
+} // namespace ff
+
+namespace ff::gui {
+
+class Form6 : public QDialog {
+    Q_OBJECT
+public:
+    static constexpr int kRows = 10;
+
+    // `users` must hold plain texts while the window is open.
+    Form6(UserTable &users, const Design &design, QWidget *parent = nullptr);
+
+    // The Passmenu command: decode, edit modally, code again.
+    static void runUsers(Database &db, QWidget *parent = nullptr);
+    // Whether the start-up offers the users window: to the administrator, and to everyone while no
+    // login is asked (the administrator's password is then empty, so anyone may set one).
+    static bool offeredTo(const Database &db);
+
+    int SelectedUser = 0;
+    // How the window tells that it cannot close; the program's message box unless a test sets it.
+    std::function<void(const QString &caption, const QString &message, int colour)> showMessage;
+
+    // The entry shown in row k is Usc + k.
+    int firstShown() const;
+    void scrollTo(int first);
+    QLineEdit *nameBox(int row) const { return uNm[size_t(row)]; }
+    QLineEdit *passwordBox(int row) const { return UserP[size_t(row)]; }
+    QCheckBox *readOnlyBox(int row) const { return UserPassRO[size_t(row)]; }
+    QPushButton *deleteButton() const { return doUsers; }
+    QPushButton *addButton() const { return addUser_; }
+    QPushButton *closeButton() const { return ExWin; }
+    // The back colour of row k as the rows are painted.
+    QColor rowColour(int row) const;
+
+    void reject() override; // Escape and the window's close go through the same check as ExWin
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    UserTable &users_;
+    QString appTitle_;
+    std::array<QWidget *, kRows> rowFrame_{};
+    std::array<QLabel *, kRows> rowNumber_{};
+    std::array<QLineEdit *, kRows> uNm{};
+    std::array<QLineEdit *, kRows> UserP{};
+    std::array<QCheckBox *, kRows> UserPassRO{};
+    QScrollBar *Usc;
+    QPushButton *addUser_;
+    QPushButton *doUsers;
+    QPushButton *ExWin;
+
+    void repaintRows();
+    int rowOf(QObject *widget) const;
+    void selectRow(int row);
+    void takeRights(int row);
+    void addEntry();
+    void deleteSelected();
+    void tryClose();
+};
+
+} // namespace ff::gui
