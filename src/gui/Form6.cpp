@@ -78,7 +78,7 @@ Form6::Form6(UserTable &users, const Design &design, QWidget *parent)
         rowNumber_[size_t(k)]->setFixedWidth(36);
         uNm[size_t(k)] = new QLineEdit(frame);
         UserP[size_t(k)] = new QLineEdit(frame);
-        UserPassRO[size_t(k)] = new QCheckBox(rightsHead, frame);
+        UserPassRO[size_t(k)] = new QCheckBox(frame); // the column head names it
         UserPassRO[size_t(k)]->setFixedWidth(90);
         for (QLineEdit *edit : {uNm[size_t(k)], UserP[size_t(k)]}) {
             edit->setMinimumWidth(180);

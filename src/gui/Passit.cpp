@@ -71,6 +71,14 @@ Passit::Passit(const UserTable &users, const CodePage &codePage, const Design &d
     buttons->addButton(cancel_, QDialogButtonBox::RejectRole);
 
     auto *layout = new QVBoxLayout(this);
+    if (!title.isEmpty()) {
+        auto *heading = new QLabel(title, this);
+        QFont bold = heading->font();
+        bold.setBold(true);
+        bold.setPointSizeF(bold.pointSizeF() * 1.2);
+        heading->setFont(bold);
+        layout->addWidget(heading);
+    }
     layout->addLayout(grid);
     layout->addWidget(buttons);
     layout->setSizeConstraint(QLayout::SetFixedSize);
