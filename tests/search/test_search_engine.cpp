@@ -1,0 +1,255 @@
+// The walk over a real record file: which records each command finds, sums, counts and changes,
+// the order of the walk, the row texts, the cap, searches on earlier hits, the stop press, the
+// lock rule of replace and scrambled files.
+
+#include "search/SearchFixture.h"
+
+#include "formula/FormulaContext.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+using namespace ff;
+using namespace ff::testing;
+
+namespace {
+
+class SearchEngineTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        db.add({"Anna", "12.50", 3, QDate(2024, 1, 5), 1.25, "09:30:00", "Berlin", "10", 1, "first line"});
+        db.add({"Bob", "99.99", 1, QDate(2023, 6, 1), 2.5, "14:00:00", "Paris", "8.5", 0, "likes cheese"});
+        db.add({"anne", "100.00", 7, QDate(2024, 3, 9), -4, "23:59:59", "berlin", "", 1, "CHEESE and wine"});
+        db.add({"Carl", "0.10", 0, QDate(), 0.00005, "", "Rome", "12", 0, ""});
+        ASSERT_EQ(db.store.RecordCount, 4);
+    }
+    SearchDb db;
+};
+
+TEST_F(SearchEngineTest, SelectListsHitsNewestFirstWithTheirColumns)
+{
+    SearchResult r = db.run(QStringLiteral("select name price city where price>10"));
+    EXPECT_EQ(r.hits, (QVector<int>{3, 2, 1}));
+    // "name" names the text field and the combo: a column token fills one slot per field it matches.
+    EXPECT_EQ(r.rows, (QStringList{"3~anne~~100.00~berlin", "2~Bob~~99.99~Paris", "1~Anna~~12.50~Berlin"}));
+    EXPECT_EQ(db.run(QStringLiteral("select pri* qty where price>99")).rows, (QStringList{"3~100.00~7", "2~99.99~1"}));
+    EXPECT_TRUE(db.host.messages.isEmpty()); // select shows no message
+
+    SearchOptions forward;
+    forward.forward = true;
+    EXPECT_EQ(db.run(QStringLiteral("select name where price>10"), forward).hits, (QVector<int>{1, 2, 3}));
+}
+
+TEST_F(SearchEngineTest, ConditionsAllHoldAndCompareByKind)
+{
+    auto hits = [&](const char *line) { return db.run(QString::fromLatin1(line)).hits; };
+    EXPECT_EQ(hits("select name where name=an* city=berlin"), (QVector<int>{3, 1})); // case folded
+    EXPECT_EQ(hits("select name where name=an?? qty>=3"), (QVector<int>{3, 1}));
+    EXPECT_EQ(hits("select name where name=an?? qty>3"), (QVector<int>{3}));
+    EXPECT_EQ(hits("select name where name<>bob"), (QVector<int>{4, 3, 1}));
+    EXPECT_EQ(hits("select name where when<2024-02-01 when>0"), (QVector<int>{2, 1})); // a zero date is 0
+    EXPECT_EQ(hits("select name where amount<0"), (QVector<int>{3}));
+    // A float compares by its first four decimals: the stored 0.00005 is 0 there.
+    EXPECT_EQ(hits("select name where amount=0"), (QVector<int>{4}));
+    EXPECT_EQ(hits("select name where amount>0.00009"), (QVector<int>{2, 1}));
+    EXPECT_EQ(hits("select name where time>=12:00 time<=23:59:59"), (QVector<int>{3, 2}));
+    EXPECT_EQ(hits("select name where paid=1"), (QVector<int>{3, 1}));
+    EXPECT_EQ(hits("select name where size>9"), (QVector<int>{4, 1})); // a number combo reads by Val
+    EXPECT_EQ(hits("select name where memo=*cheese*"), (QVector<int>{3, 2}));
+    EXPECT_EQ(hits("select name where city='new york'"), (QVector<int>{}));
+    // The name occurs twice: the text field wins over the combo of the same name.
+    EXPECT_EQ(hits("select name where name=bob"), (QVector<int>{2}));
+}
+
+TEST_F(SearchEngineTest, MatchCaseComparesBytesAsTheyStand)
+{
+    SearchOptions o;
+    o.matchCase = true;
+    EXPECT_EQ(db.run(QStringLiteral("select name where name=an*"), o).hits, (QVector<int>{3}));
+    EXPECT_EQ(db.run(QStringLiteral("select name where name=An*"), o).hits, (QVector<int>{1}));
+    EXPECT_EQ(db.run(QStringLiteral("CHEESE"), o, QStringLiteral("memo")).hits, (QVector<int>{3}));
+    EXPECT_EQ(db.run(QStringLiteral("CHEESE"), {}, QStringLiteral("memo")).hits, (QVector<int>{3, 2}));
+}
+
+TEST_F(SearchEngineTest, BareNameAndUnknownNames)
+{
+    // A bare name among the conditions passes no record.
+    SearchResult bare = db.run(QStringLiteral("select name where price>0 qty"));
+    EXPECT_TRUE(bare.ran);
+    EXPECT_TRUE(bare.hits.isEmpty());
+    // Conditions on unknown or global fields are dropped; with none left nothing runs.
+    SearchResult unknown = db.run(QStringLiteral("count nothing>1 global=x"));
+    EXPECT_FALSE(unknown.ran);
+    EXPECT_TRUE(db.host.messages.isEmpty());
+    EXPECT_EQ(db.run(QStringLiteral("count nothing>1 qty>2")).CountTotal, 2);
+}
+
+TEST_F(SearchEngineTest, SumAddsBareNamesAndPassingTestsAndCountsTwice)
+{
+    FormulaContext context;
+    context.SumAverage = 42;
+    SearchEngine e = db.engine();
+    auto sum = [&](const char *line) {
+        const CompiledQuery q = e.compile(QString::fromLatin1(line), false, {});
+        return e.run(q, {}, &db.host, &context);
+    };
+    SearchResult all = sum("sum price");
+    EXPECT_DOUBLE_EQ(all.SumTotal, 212.59);
+    EXPECT_EQ(all.message, QStringLiteral("Total: 212.59          Average: 53.1475"));
+    EXPECT_DOUBLE_EQ(context.SumTotal, 212.59);
+
+    EXPECT_DOUBLE_EQ(sum("sum price>50").SumTotal, 199.99);
+    EXPECT_DOUBLE_EQ(sum("sum price qty").SumTotal, 212.59 + 11);
+    // "where" names no field; the comparison adds a second time what the bare name added.
+    SearchResult twice = sum("sum price where price>50");
+    EXPECT_DOUBLE_EQ(twice.SumTotal, 212.59 + 199.99);
+    EXPECT_EQ(twice.sumCount, 6);
+
+    // A negative total shows no average; a count of 0 leaves the average as it was.
+    SearchResult negative = sum("sum amount<0");
+    EXPECT_EQ(negative.message, QStringLiteral("Total: -4"));
+    EXPECT_DOUBLE_EQ(context.SumAverage, -4);
+    SearchResult none = sum("sum price>1000");
+    EXPECT_FALSE(none.averageSet);
+    EXPECT_EQ(none.message, QStringLiteral("Total: 0"));
+    EXPECT_DOUBLE_EQ(context.SumAverage, -4);
+    EXPECT_EQ(db.host.messages.size(), 6);
+}
+
+TEST_F(SearchEngineTest, CountAndTheSilentFlag)
+{
+    SearchResult r = db.run(QStringLiteral("count city=berlin"));
+    EXPECT_EQ(r.CountTotal, 2);
+    EXPECT_EQ(db.host.messages, QStringList{"2 Total"});
+    SearchOptions silent;
+    silent.silent = true;
+    EXPECT_EQ(db.run(QStringLiteral("count qty>0"), silent).CountTotal, 3);
+    EXPECT_EQ(db.host.messages.size(), 1);
+}
+
+TEST_F(SearchEngineTest, PlainFindTermsAndComparisons)
+{
+    auto find = [&](const char *line, const char *focus) { return db.run(QString::fromLatin1(line), {}, QString::fromLatin1(focus)).hits; };
+    EXPECT_EQ(find("ann", "F1"), (QVector<int>{3, 1}));
+    EXPECT_EQ(find("cheese+wine", "memo"), (QVector<int>{3}));
+    EXPECT_EQ(find("wine or first", "memo"), (QVector<int>{3, 1}));
+    EXPECT_EQ(find("!paris", "F1"), (QVector<int>{2})); // the whole record
+    EXPECT_EQ(find(">50", "price"), (QVector<int>{3, 2}));
+    EXPECT_EQ(find("1><12.5", "price"), (QVector<int>{1}));
+    EXPECT_EQ(find("<>3", "qty"), (QVector<int>{4, 3, 2}));
+    EXPECT_EQ(find("-4", "amount"), (QVector<int>{})); // DigitsOnly drops the sign
+    EXPECT_EQ(find("2024-01-05", "when"), (QVector<int>{1}));
+    EXPECT_EQ(find("93000", "time"), (QVector<int>{1}));
+    EXPECT_EQ(find(">=140000", "time"), (QVector<int>{3, 2}));
+    EXPECT_EQ(find("1", "paid"), (QVector<int>{3, 1}));
+}
+
+TEST_F(SearchEngineTest, CapKeepsTheFirstRowsAndTheWalkGoesOn)
+{
+    SearchOptions o;
+    o.hitCap = 2;
+    SearchResult r = db.run(QStringLiteral("select name where qty>=0"), o);
+    EXPECT_EQ(r.hits, (QVector<int>{4, 3}));
+    EXPECT_EQ(r.rows.size(), 2);
+    EXPECT_EQ(r.found, 4);
+    EXPECT_EQ(r.walked, 4);
+}
+
+TEST_F(SearchEngineTest, SearchOnEarlierHitsCoversOnlyThose)
+{
+    SearchResult first = db.run(QStringLiteral("select name where city=berlin"));
+    ASSERT_EQ(first.hits, (QVector<int>{3, 1}));
+    SearchOptions o;
+    o.within = &first.hits;
+    SearchResult second = db.run(QStringLiteral("select name where qty>=0"), o);
+    EXPECT_EQ(second.walked, 2);
+    EXPECT_EQ(second.hits, (QVector<int>{1, 3})); // walked from the last position of the list down
+    EXPECT_EQ(db.run(QStringLiteral("bob"), o).hits, (QVector<int>{}));
+}
+
+TEST_F(SearchEngineTest, WalkFollowsASortIndex)
+{
+    const QVector<int> index{0, 4, 2, 1, 3};
+    SearchOptions o;
+    o.sortIndex = &index;
+    o.sortMode = 1;
+    o.forward = true;
+    EXPECT_EQ(db.run(QStringLiteral("select name where qty>=0"), o).hits, (QVector<int>{4, 2, 1, 3}));
+    o.sortMode = 2;
+    EXPECT_EQ(db.run(QStringLiteral("select name where qty>=0"), o).hits, (QVector<int>{3, 1, 2, 4}));
+}
+
+struct StopAfter : Progress {
+    int calls = 0, stopAt;
+    explicit StopAfter(int n) : stopAt(n) {}
+    void setPercent(int) override {}
+    bool cancelled() override { return ++calls > stopAt; }
+};
+
+TEST_F(SearchEngineTest, StopKeepsWhatWasFound)
+{
+    StopAfter stop(2);
+    SearchOptions o;
+    o.progress = &stop;
+    o.progressStep = 1;
+    SearchResult r = db.run(QStringLiteral("select name where qty>=0"), o);
+    EXPECT_TRUE(r.aborted);
+    EXPECT_EQ(r.hits, (QVector<int>{4, 3}));
+
+    StopAfter replaceStop(1);
+    o.progress = &replaceStop;
+    SearchResult rep = db.run(QStringLiteral("replace city=Oslo where qty>=0"), o);
+    EXPECT_TRUE(rep.aborted);
+    EXPECT_EQ(rep.Replacements, 1);
+    EXPECT_EQ(db.run(QStringLiteral("count city=oslo")).CountTotal, 1);
+}
+
+TEST_F(SearchEngineTest, ReplaceWritesPreparedBytesAndSkipsHeldRecords)
+{
+    // Another user holds record 2: an open-file-description lock on its first byte.
+    const QByteArray path = QFile::encodeName(db.store.file().partName(0));
+    const int other = ::open(path.constData(), O_RDWR);
+    ASSERT_GE(other, 0);
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = 2 * db.store.layout().RecordLength - 1;
+    lock.l_len = 1;
+    ASSERT_EQ(::fcntl(other, F_OFD_SETLK, &lock), 0);
+
+    SearchResult r = db.run(QStringLiteral("replace price=5.5 city='Los Angeles' when=2020-02-29 paid=0 where qty<5"));
+    ::close(other);
+    EXPECT_EQ(r.Replacements, 2);
+    EXPECT_EQ(r.skippedLocked, 1);
+    EXPECT_EQ(db.host.messages, QStringList{"2 Replacements"});
+    EXPECT_TRUE(r.hits.isEmpty());
+    EXPECT_EQ(db.run(QStringLiteral("select name price city where price=5.5")).rows,
+              (QStringList{"4~Carl~~5.50~los angele", "1~Anna~~5.50~los angele"})); // lower-cased line, cut to the slot
+    EXPECT_EQ(db.run(QStringLiteral("count when=2020-02-29 paid=0")).CountTotal, 2);
+    EXPECT_EQ(db.run(QStringLiteral("count name=bob price=99.99")).CountTotal, 1);
+}
+
+TEST(SearchScrambled, ScrambledRecordsReadAndWriteThroughTheTable)
+{
+    SearchDb db(true);
+    db.add({"Zed", "1.00", 1, QDate(2024, 1, 1), 0, "", "Kyiv", "", 0, "note"});
+    db.add({"Amy", "2.00", 2, QDate(2024, 1, 2), 0, "", "Lviv", "", 1, "note"});
+    EXPECT_EQ(db.run(QStringLiteral("select name city where city=*iv")).rows, (QStringList{"2~Amy~~Lviv", "1~Zed~~Kyiv"}));
+    EXPECT_EQ(db.run(QStringLiteral("replace city=Odesa where name=zed")).Replacements, 1);
+    ASSERT_TRUE(db.store.JumpToRecord(1).ok());
+    EXPECT_EQ(db.page.ComboText[1], QStringLiteral("odesa"));
+    EXPECT_EQ(db.run(QStringLiteral("!odesa")).hits, (QVector<int>{1}));
+}
+
+TEST(SearchReadOnly, ReplaceWritesNothingWhenTheStoreMayNotWrite)
+{
+    SearchDb db;
+    db.add({"Zed", "1.00", 1, QDate(2024, 1, 1), 0, "", "Kyiv", "", 0, ""});
+    db.store.ViewOnlyMode = true;
+    SearchResult r = db.run(QStringLiteral("replace city=Odesa where qty=1"));
+    EXPECT_EQ(r.Replacements, 0);
+    EXPECT_EQ(db.run(QStringLiteral("count city=kyiv")).CountTotal, 1);
+}
+
+} // namespace
