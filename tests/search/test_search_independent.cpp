@@ -1,0 +1,217 @@
+// Records written by the independent writer (tests/support/independent_record_writer.py, made from
+// the file format alone) over several parts, searched here; the expected hits come from the same
+// values by the search rules, computed in the test and not by the engine. Also the sort index
+// over those records: numbers by the Shell sort, texts by the quick sort, each checked for order.
+
+#include "search/SearchFixture.h"
+
+#include "search/SortIndexBuilder.h"
+#include "store/StoreTestSupport.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QRandomGenerator>
+
+#include <algorithm>
+
+using namespace ff;
+using namespace ff::testing;
+
+namespace {
+
+struct Value {
+    QString name, city, memo, time;
+    int64_t cents;
+    int qty;
+    double amount;
+    int day;
+    int paid;
+};
+
+class IndependentStore : public ::testing::Test {
+protected:
+    static constexpr int kRecords = 203;
+    static constexpr int kPerPart = 17;
+
+    void SetUp() override
+    {
+        QRandomGenerator rnd(1234);
+        const char *names[] = {"Anna", "anton", "Bert", "BERTA", "Cleo", "Dora", "Émile", "emil"};
+        const char *cities[] = {"Berlin", "Bern", "Bonn", "Oslo", "Lima"};
+        QJsonArray records;
+        for (int r = 1; r <= kRecords; ++r) {
+            Value v;
+            v.name = QString::fromUtf8(names[rnd.bounded(8)]) + QString::number(rnd.bounded(100));
+            v.city = QString::fromLatin1(cities[rnd.bounded(5)]);
+            v.memo = rnd.bounded(4) == 0 ? QStringLiteral("needs Cheese") : QStringLiteral("plain");
+            v.cents = rnd.bounded(100000);
+            v.qty = int(rnd.bounded(21)) - 10;
+            v.amount = rnd.bounded(1000) / 8.0;
+            v.day = 45000 + int(rnd.bounded(400));
+            v.paid = int(rnd.bounded(2));
+            v.time = QStringLiteral("%1:%2:00").arg(rnd.bounded(24), 2, 10, QLatin1Char('0')).arg(rnd.bounded(60), 2, 10, QLatin1Char('0'));
+            values.push_back(v);
+            records.append(QJsonObject{{"F1", v.name}, {"F2", double(v.cents) / 100}, {"F3", v.qty}, {"F4", v.day},
+                                       {"F5", v.amount}, {"F6", v.time}, {"C1", v.city}, {"C2", "1"}, {"C3", "x"},
+                                       {"K0", v.paid}, {"M1", v.memo}, {"stamp", 45000}});
+        }
+        QJsonArray fields;
+        for (size_t i = 1; i < design.Fields.size(); ++i)
+            fields.append(QJsonObject{{"type", design.Fields[i].FieldType}, {"maxLength", design.Fields[i].MaxLength},
+                                      {"page", design.Fields[i].FieldPage}, {"global", design.Fields[i].FieldGlobal}});
+        QJsonArray combos;
+        for (size_t i = 1; i < design.Combos.size(); ++i)
+            combos.append(QJsonObject{{"maxLength", design.Combos[i].MaxLength}, {"page", 0}});
+        const QJsonObject spec{{"recordsPerPart", kPerPart}, {"scramble", 0}, {"flow", 0}, {"stamp", true},
+                               {"title", "Independent"}, {"fields", fields}, {"combos", combos},
+                               {"checks", QJsonArray{QJsonObject{{"page", 0}}}}, {"pictures", QJsonArray{}},
+                               {"notes", QJsonArray{QJsonObject{{"maxLength", 30}, {"page", 0}}}}, {"records", records}};
+        const QString specPath = dir.filePath(QStringLiteral("spec.json"));
+        QFile f(specPath);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(QJsonDocument(spec).toJson());
+        f.close();
+        dataFile = dir.filePath(QStringLiteral("ind.dat"));
+        QProcess p;
+        p.start(QStringLiteral("python3"), {QString::fromLocal8Bit(qgetenv("FLATFORM_SOURCE_DIR")) +
+                                                QStringLiteral("/tests/support/independent_record_writer.py"),
+                                            QStringLiteral("write"), specPath, dataFile});
+        ASSERT_TRUE(p.waitForFinished(60000));
+        ASSERT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+        ASSERT_TRUE(store.openFileSet(dataFile, false, QString()).ok());
+        ASSERT_EQ(store.RecordCount, kRecords);
+        ASSERT_GT(store.file().LastPart(), 10);
+    }
+
+    SearchResult run(const QString &line, SearchOptions o = {}, const QString &focus = QStringLiteral("F1"))
+    {
+        SearchEngine e(store, QLatin1Char('.'), QLocale(QLocale::English, QLocale::UnitedStates));
+        return e.run(e.compile(line, o.matchCase, e.names().byTag(focus)), o);
+    }
+    // Record numbers whose values pass `test`, newest first, as a select lists them.
+    template <typename Test>
+    QVector<int> expected(Test test) const
+    {
+        QVector<int> out;
+        for (int r = kRecords; r >= 1; --r)
+            if (test(values[size_t(r - 1)]))
+                out.append(r);
+        return out;
+    }
+
+    SmallParts parts{kPerPart};
+    QTemporaryDir dir;
+    QString dataFile;
+    Design design = searchDesign();
+    Page page{design};
+    RecordStore store{design, page};
+    std::vector<Value> values;
+};
+
+TEST_F(IndependentStore, SearchesFindWhatTheRulesSay)
+{
+    EXPECT_EQ(run(QStringLiteral("select name where price>500")).hits, expected([](const Value &v) { return v.cents > 50000; }));
+    EXPECT_EQ(run(QStringLiteral("select name where qty<=0 paid=1")).hits,
+              expected([](const Value &v) { return v.qty <= 0 && v.paid == 1; }));
+    EXPECT_EQ(run(QStringLiteral("select name where name=b* city<>bern")).hits, expected([](const Value &v) {
+                  return v.name.toLower().startsWith(QLatin1Char('b')) && v.city != QLatin1String("Bern");
+              }));
+    EXPECT_EQ(run(QStringLiteral("select name where when>=45200 time<12:00")).hits,
+              expected([](const Value &v) { return v.day >= 45200 && v.time < QLatin1String("12:00"); }));
+    // Windows-1252 "É" folds to "é" in the bytes.
+    EXPECT_EQ(run(QStringLiteral("émile")).hits, expected([](const Value &v) { return v.name.startsWith(QStringLiteral("Émile")); }));
+    EXPECT_EQ(run(QStringLiteral("cheese"), {}, QStringLiteral("memo")).hits,
+              expected([](const Value &v) { return v.memo.contains(QLatin1String("Cheese")); }));
+
+    int64_t cents = 0;
+    int count = 0;
+    for (const Value &v : values) {
+        cents += v.cents;
+        count += v.qty > 5;
+    }
+    EXPECT_DOUBLE_EQ(run(QStringLiteral("sum price")).SumTotal, double(cents) / 100);
+    EXPECT_EQ(run(QStringLiteral("count qty>5")).CountTotal, count);
+}
+
+TEST_F(IndependentStore, SortIndexOrdersEveryKind)
+{
+    const SortIndexBuilder builder(design, store.file(), store.RecordCount);
+    const SearchNames names(design, store.layout());
+    auto index = [&](const char *tag) {
+        Result<SortIndexBuilder::Outcome> r = builder.build(names.byTag(QString::fromLatin1(tag)));
+        EXPECT_TRUE(r.ok());
+        EXPECT_EQ(r->SortIndex.size(), kRecords + 1);
+        QVector<int> sorted = r->SortIndex.mid(1);
+        QVector<int> all = sorted;
+        std::sort(all.begin(), all.end());
+        for (int k = 0; k < kRecords; ++k)
+            EXPECT_EQ(all[k], k + 1); // every record once
+        return sorted;
+    };
+    auto ordered = [&](const QVector<int> &order, auto key) {
+        for (int k = 1; k < order.size(); ++k)
+            if (key(values[size_t(order[k - 1] - 1)]) > key(values[size_t(order[k] - 1)]))
+                return false;
+        return true;
+    };
+    EXPECT_TRUE(ordered(index("price"), [](const Value &v) { return v.cents; }));
+    EXPECT_TRUE(ordered(index("qty"), [](const Value &v) { return v.qty; }));
+    EXPECT_TRUE(ordered(index("amount"), [](const Value &v) { return v.amount; }));
+    EXPECT_TRUE(ordered(index("when"), [](const Value &v) { return v.day; }));
+    const CodePage cp(0);
+    EXPECT_TRUE(ordered(index("name"), [&](const Value &v) { return CaseFold(cp).fold(cp.encode(v.name)); }));
+    EXPECT_TRUE(ordered(index("city"), [](const Value &v) { return v.city.toLower(); }));
+
+    ASSERT_TRUE(SortIndexBuilder::BuildSortIndex(store, names.byTag(QStringLiteral("qty")), 2).ok());
+    EXPECT_EQ(store.SortMode, 2);
+    EXPECT_EQ(store.SortIndex.size(), kRecords + 1);
+    EXPECT_FALSE(SortIndexBuilder::BuildSortIndex(store, names.byTag(QStringLiteral("global")), 1).ok());
+}
+
+struct StopNow : Progress {
+    void setPercent(int) override {}
+    bool cancelled() override { return true; }
+};
+
+TEST_F(IndependentStore, StoppedSortLeavesFileOrder)
+{
+    store.SortMode = 1;
+    StopNow stop;
+    const SearchNames names(design, store.layout());
+    ASSERT_TRUE(SortIndexBuilder::BuildSortIndex(store, names.byTag(QStringLiteral("name")), 1, &stop).ok());
+    EXPECT_EQ(store.SortMode, 0);
+}
+
+TEST(SortAlgorithms, ShellAndQuickSortKeepKeysWithTheirEntries)
+{
+    QRandomGenerator rnd(99);
+    for (int n : {0, 1, 2, 10, 11, 500}) {
+        std::vector<int64_t> keys;
+        std::vector<int> order;
+        std::vector<uint8_t> texts;
+        for (int k = 0; k < n; ++k) {
+            keys.push_back(rnd.bounded(50)); // many equal keys
+            order.push_back(k);
+            const char a = char('a' + rnd.bounded(3)), b = char('a' + rnd.bounded(3));
+            texts.push_back(uint8_t(a));
+            texts.push_back(uint8_t(b));
+        }
+        const std::vector<int64_t> originalKeys = keys;
+        const std::vector<uint8_t> originalTexts = texts;
+        std::vector<int> textOrder = order;
+        SortIndexBuilder::ShellSort(keys, order);
+        SortIndexBuilder::SortTextIndex(texts, 2, textOrder, 5);
+        for (int k = 0; k < n; ++k) {
+            EXPECT_EQ(keys[size_t(k)], originalKeys[size_t(order[size_t(k)])]);
+            EXPECT_EQ(texts[size_t(2 * k)], originalTexts[size_t(2 * textOrder[size_t(k)])]);
+            if (k > 0) {
+                EXPECT_LE(keys[size_t(k - 1)], keys[size_t(k)]);
+                EXPECT_LE(std::memcmp(&texts[size_t(2 * k - 2)], &texts[size_t(2 * k)], 2), 0);
+            }
+        }
+    }
+}
+
+} // namespace
