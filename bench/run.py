@@ -1,0 +1,186 @@
+#!/usr/bin/env python3
+"""Search benchmark: flatform-cli against the sqlite3 command line on the same data.
+
+    bench/run.py [--records N] [--repeat K] [--dir DIR] [--build BUILD_DIR] [--keep]
+
+Generates N records (1,000,000 by default, 400 bytes each: texts, a float, money, a whole number,
+a date, a combo and a check box; design bench/bench_design.json) once as a Flatform record file,
+written directly in the record format, and as the same rows in a CSV file and an SQLite table.
+Then runs count, sum, a numeric select, a pattern select, a plain find and a sort as whole
+processes on both sides: each command once to warm the caches, then K times, and prints the
+median times, the ratios and the peak memory (from /usr/bin/time -v) of one run of each.
+This is a benchmark, not a test: it checks only that both sides found the same number of rows.
+"""
+import argparse
+import os
+import random
+import shutil
+import statistics
+import struct
+import subprocess
+import sys
+import time
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+ROOT = os.path.dirname(HERE)
+RECORD_LENGTH = 400
+
+FIRST = ["Anna", "Ben", "Clara", "David", "Emma", "Felix", "Greta", "Hans", "Ida", "Jonas", "Karla", "Lukas",
+         "Marie", "Noah", "Olga", "Paul", "Rosa", "Simon", "Tina", "Uwe", "Vera", "Walter", "Xenia", "Yann", "Zoe",
+         "Annette", "Johann", "Susanne", "Hannah", "Joanna"]
+LAST = ["Smith", "Miller", "Schmidt", "Meyer", "Weber", "Wagner", "Becker", "Hoffmann", "Koch", "Richter",
+        "Klein", "Wolf", "Neumann", "Schwarz", "Braun", "Zimmermann", "Hartmann", "Lange", "Werner", "Krause"]
+CITIES = ["Berlin", "Hamburg", "Munich", "Cologne", "Frankfurt", "Stuttgart", "Dresden", "Leipzig", "Bremen",
+          "Hanover", "Paris", "Lyon", "Marseille", "Rome", "Milan", "Naples", "Turin", "Vienna", "Graz", "Zurich",
+          "Basel", "Geneva", "Prague", "Brno", "Warsaw", "Krakow", "Madrid", "Seville", "Lisbon", "Porto"]
+STREETS = ["Main Street", "High Street", "Station Road", "Church Lane", "Market Square", "Park Avenue",
+           "Mill Road", "Bridge Street", "Castle Hill", "Garden Way"]
+WORDS = ("alpha bravo charlie delta echo foxtrot golf hotel india juliet kilo lima mike november oscar papa "
+         "quebec romeo sierra tango uniform victor whiskey yankee zulu amber basalt cobalt dune ember fjord "
+         "granite harbor iris jasper lagoon meadow nectar onyx pebble river summit timber valley willow").split()
+COUNTRIES = ["Germany", "France", "Italy", "Austria", "Switzerland", "Czechia", "Poland", "Spain", "Portugal"]
+RARE = "quartz"  # the word the plain find looks for: in about one remark of a hundred
+
+
+def day_number(y, m, d):
+    import datetime
+    return (datetime.date(y, m, d) - datetime.date(1899, 12, 30)).days
+
+
+def generate(n, data_path, csv_path, seed=7):
+    rnd = random.Random(seed)
+    base_day = day_number(2000, 1, 1)
+    header = bytearray(b" " * (RECORD_LENGTH - 1))
+    header[0:8] = struct.pack("<q", (base_day + 9000) * 10000)
+    header[8:8 + 5] = b"Bench"
+    header[9:13] = struct.pack("<i", 0)
+    header[15:19] = struct.pack("<i", RECORD_LENGTH)
+    pack = struct.Struct("<40s30s60s50s150sdqiq20s20s1s1s").pack
+    assert struct.calcsize("<40s30s60s50s150sdqiq20s20s1s1s") == RECORD_LENGTH
+
+    def pad(text, size):
+        b = text.encode("cp1252")[:size]
+        return b + b" " * (size - len(b))
+
+    with open(data_path, "wb") as data, open(csv_path, "w", encoding="cp1252", newline="") as csv:
+        data.write(header)
+        chunk, rows = [], []
+        for r in range(1, n + 1):
+            name = rnd.choice(FIRST) + " " + rnd.choice(LAST)
+            city = rnd.choice(CITIES)
+            street = "%d %s" % (rnd.randint(1, 250), rnd.choice(STREETS))
+            email = "%s.%d@example.com" % (name.split()[0].lower(), rnd.randint(1, 99999))
+            words = [rnd.choice(WORDS) for _ in range(rnd.randint(8, 18))]
+            if rnd.random() < 0.01:
+                words.insert(rnd.randint(0, len(words)), RARE)
+            remark = " ".join(words)[:150]
+            amount = round(rnd.uniform(0, 10000), 2)
+            cents = rnd.randint(0, 100000)  # price 0.00 to 1000.00
+            qty = rnd.randint(1, 100)
+            day = base_day + rnd.randint(0, 9000)
+            code = "K%08d" % rnd.randint(0, 99999999)
+            country = rnd.choice(COUNTRIES)
+            paid = rnd.choice("01")
+            chunk.append(pack(pad(name, 40), pad(city, 30), pad(street, 60), pad(email, 50), pad(remark, 150),
+                              amount, cents * 100, qty, day * 10000, pad(code, 20), pad(country, 20),
+                              paid.encode(), b" "))
+            rows.append('%d,"%s","%s","%s","%s","%s",%r,%d.%02d,%d,%d,"%s","%s",%s\n' % (
+                r, name, city, street, email, remark, amount, cents // 100, cents % 100, qty, day, code, country,
+                paid))
+            if len(chunk) == 20000:
+                data.write(b"".join(chunk))
+                csv.write("".join(rows))
+                chunk, rows = [], []
+        data.write(b"".join(chunk))
+        csv.write("".join(rows))
+
+
+def sqlite_load(db_path, csv_path):
+    if os.path.exists(db_path):
+        os.remove(db_path)
+    script = ("CREATE TABLE t(id INTEGER PRIMARY KEY, name TEXT, city TEXT, street TEXT, email TEXT, remark TEXT, "
+              "amount REAL, price REAL, qty INTEGER, day INTEGER, code TEXT, country TEXT, paid INTEGER);\n"
+              ".import --csv %s t\n" % csv_path)
+    subprocess.run(["sqlite3", db_path], input=script.encode(), check=True)
+
+
+def timed(cmd):
+    start = time.perf_counter()
+    p = subprocess.run(cmd, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+    elapsed = time.perf_counter() - start
+    if p.returncode != 0:
+        sys.exit("failed: %s\n%s" % (" ".join(cmd), p.stderr.decode(errors="replace")))
+    return elapsed, p.stdout
+
+
+def peak_kb(cmd):
+    p = subprocess.run(["/usr/bin/time", "-v"] + cmd, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+    for line in p.stderr.decode(errors="replace").splitlines():
+        if "Maximum resident set size" in line:
+            return int(line.split(":")[1])
+    return -1
+
+
+def lines(output):
+    return output.count(b"\n")
+
+
+def main():
+    ap = argparse.ArgumentParser()
+    ap.add_argument("--records", type=int, default=1_000_000)
+    ap.add_argument("--repeat", type=int, default=5)
+    ap.add_argument("--dir", default=os.path.join(ROOT, "build-search", "bench-data"))
+    ap.add_argument("--build", default=os.path.join(ROOT, "build-search"))
+    ap.add_argument("--regenerate", action="store_true")
+    args = ap.parse_args()
+
+    cli = os.path.join(args.build, "bin", "flatform-cli")
+    builder = os.path.join(args.build, "bin", "flatform-build")
+    os.makedirs(args.dir, exist_ok=True)
+    image = os.path.join(args.dir, "bench.exe")
+    data = os.path.join(args.dir, "bench%d.dat" % args.records)
+    csv = os.path.join(args.dir, "bench%d.csv" % args.records)
+    db = os.path.join(args.dir, "bench%d.db" % args.records)
+    subprocess.run([builder, os.path.join(HERE, "bench_design.json"), "--runtime", cli, "-o", image], check=True,
+                   stdout=subprocess.DEVNULL)
+    if args.regenerate or not (os.path.exists(data) and os.path.exists(db)):
+        t = time.perf_counter()
+        generate(args.records, data, csv)
+        sqlite_load(db, csv)
+        print("generated %d records in %.1f s: %s (%d MB), %s (%d MB)" % (
+            args.records, time.perf_counter() - t, data, os.path.getsize(data) >> 20, db, os.path.getsize(db) >> 20))
+
+    ff = [cli, "search", image, "--data", data]
+    sq = ["sqlite3", db]
+    cases = [
+        ("count", ff + ["count price>500"], sq + ["SELECT count(*) FROM t WHERE price>500;"], "value"),
+        ("sum", ff + ["sum price"], sq + ["SELECT sum(price) FROM t;"], "value"),
+        ("numeric select", ff + ["select name price where price>=990"],
+         sq + ["SELECT id, name, price FROM t WHERE price>=990 ORDER BY id DESC;"], "rows"),
+        ("pattern select", ff + ["select name code where code=k12*"],
+         sq + ["SELECT id, name, code FROM t WHERE code LIKE 'k12%' ORDER BY id DESC;"], "rows"),
+        ("plain find", ff + [RARE, "--field", "remark"],
+         sq + ["SELECT id, name, city, amount, price, day FROM t WHERE remark LIKE '%" + RARE + "%' ORDER BY id DESC;"],
+         "rows"),
+        ("sort (text)", [cli, "sort", image, "name", "--data", data],
+         sq + ["SELECT id FROM t ORDER BY name COLLATE NOCASE;"], "rows"),
+    ]
+    load = os.getloadavg()[0]
+    print("records %d, repeat %d (median), load average %.2f" % (args.records, args.repeat, load))
+    print("%-16s %12s %12s %8s   %s" % ("case", "flatform s", "sqlite s", "ratio", "result (flatform / sqlite)"))
+    for name, fcmd, scmd, kind in cases:
+        _, fout = timed(fcmd)  # warm
+        _, sout = timed(scmd)
+        ft = statistics.median(timed(fcmd)[0] for _ in range(args.repeat))
+        st = statistics.median(timed(scmd)[0] for _ in range(args.repeat))
+        if kind == "rows":
+            result = "%d / %d rows" % (lines(fout), lines(sout))
+        else:
+            result = "%s / %s" % (fout.decode().strip(), sout.decode().strip())
+        print("%-16s %12.3f %12.3f %7.1fx   %s" % (name, ft, st, st / ft, result))
+    print("peak memory (max RSS, KB): flatform count %d, flatform sort %d, sqlite count %d, sqlite sort %d" % (
+        peak_kb(cases[0][1]), peak_kb(cases[5][1]), peak_kb(cases[0][2]), peak_kb(cases[5][2])))
+
+
+if __name__ == "__main__":
+    main()
