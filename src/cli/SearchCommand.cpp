@@ -96,6 +96,10 @@ public:
             return 2;
         }
         const QString line = args.at(1);
+        // Without TZ the C library looks at /etc/localtime again for every date it formats; naming
+        // the same file once keeps the zone and saves a file system call per listed date.
+        if (!qEnvironmentVariableIsSet("TZ"))
+            qputenv("TZ", ":/etc/localtime");
         const bool writes = SearchParser::IsCommand(line) && line.trimmed().toLower().startsWith(QLatin1String("replace "));
         QuietHost storeHost(err);
         std::unique_ptr<Database> db = OpenImageDatabase(args.at(0), dataFile, writes, &storeHost, err, name());

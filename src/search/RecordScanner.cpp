@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace ff {
@@ -21,6 +23,7 @@ RecordScanner::RecordScanner(const RecordFile &file, int64_t records, bool scram
 
 RecordScanner::~RecordScanner()
 {
+    unmap();
     for (int fd : readFds_)
         if (fd >= 0)
             ::close(fd);
@@ -85,12 +88,55 @@ bool RecordScanner::load(int64_t first, int64_t last, uint8_t *into)
     return true;
 }
 
+void RecordScanner::unmap()
+{
+    if (map_)
+        ::munmap(map_, mapLength_);
+    map_ = nullptr;
+    mapLength_ = 0;
+}
+
+int64_t RecordScanner::partSize(int part, int fd, int64_t atLeast)
+{
+    if (part >= int(sizes_.size()))
+        sizes_.resize(size_t(part) + 1, -1);
+    int64_t &size = sizes_[size_t(part)];
+    if (size < atLeast) { // unknown, or the file may have grown since
+        struct stat st {};
+        size = ::fstat(fd, &st) == 0 ? int64_t(st.st_size) : -1;
+    }
+    return size;
+}
+
+// Maps records first..last (one part) when all their bytes exist.
+bool RecordScanner::map(int64_t first, int64_t last)
+{
+    const Place p = place(first);
+    const int fd = descriptor(p.part, false);
+    if (fd < 0)
+        return false;
+    const int64_t start = p.local * length_ - 1;
+    const int64_t end = start + (last - first + 1) * length_;
+    if (partSize(p.part, fd, end) < end)
+        return false;
+    static const int64_t page = ::sysconf(_SC_PAGESIZE);
+    const int64_t aligned = start - start % page;
+    unmap();
+    void *m = ::mmap(nullptr, size_t(end - aligned), PROT_READ, MAP_SHARED | MAP_POPULATE, fd, off_t(aligned));
+    if (m == MAP_FAILED)
+        return false;
+    map_ = m;
+    mapLength_ = size_t(end - aligned);
+    blockData_ = static_cast<const uint8_t *>(m) + (start - aligned);
+    return true;
+}
+
 const uint8_t *RecordScanner::record(int64_t record, Access access)
 {
     if (record < 1)
         return nullptr;
     if (record >= blockFirst_ && record <= blockLast_)
-        return block_.data() + size_t(record - blockFirst_) * size_t(length_);
+        return blockData_ + size_t(record - blockFirst_) * size_t(length_);
     if (access == Access::Random) {
         if (!load(record, record, single_.data()))
             return nullptr;
@@ -108,16 +154,20 @@ const uint8_t *RecordScanner::record(int64_t record, Access access)
         first = record;
         last = std::min(partLast, record + blockRecords_ - 1);
     }
-    const size_t bytes = size_t(last - first + 1) * size_t(length_);
-    if (block_.size() < bytes)
-        block_.resize(bytes);
     blockFirst_ = 1;
     blockLast_ = 0;
-    if (!load(first, last, block_.data()))
-        return nullptr;
+    if (scrambled_ || !map(first, last)) {
+        unmap();
+        const size_t bytes = size_t(last - first + 1) * size_t(length_);
+        if (block_.size() < bytes)
+            block_.resize(bytes);
+        if (!load(first, last, block_.data()))
+            return nullptr;
+        blockData_ = block_.data();
+    }
     blockFirst_ = first;
     blockLast_ = last;
-    return block_.data() + size_t(record - first) * size_t(length_);
+    return blockData_ + size_t(record - first) * size_t(length_);
 }
 
 Status RecordScanner::write(int64_t record, int offset, const QByteArray &bytes)
@@ -129,8 +179,8 @@ Status RecordScanner::write(int64_t record, int offset, const QByteArray &bytes)
     const off_t at = off_t(p.local * length_ - 1 + offset);
     if (::pwrite(fd, bytes.constData(), size_t(bytes.size()), at) != bytes.size())
         return makeError(ErrorCode::PathError, file_.partName(p.part));
-    // Later reads of this record see the new bytes.
-    if (record >= blockFirst_ && record <= blockLast_) {
+    // Later reads of this record see the new bytes (a mapping sees them by itself).
+    if (!map_ && record >= blockFirst_ && record <= blockLast_) {
         QByteArray plain = bytes;
         if (scrambled_)
             UnscrambleBytes(plain.data(), plain.size());

@@ -1,9 +1,11 @@
 #pragma once
-// Reads the records of a file set for the walks of the search and the sort: large block reads
-// (a few megabytes, whole records) when the walk goes through the file in order, one positioned
-// read per record when it jumps (a result list, a sort order). The records are handed out in
-// place, unscrambled, and stay valid until the next call: nothing is copied per record and memory
-// stays at one block whatever the size of the store. Record positions follow the record file's
+// Reads the records of a file set for the walks of the search and the sort: a window of a few
+// megabytes of whole records when the walk goes through the file in order, one positioned read per
+// record when it jumps (a result list, a sort order). A window of a plain file is mapped from the
+// page cache rather than copied; a scrambled file, or a window that reaches past the end of its
+// part, is read into a buffer and unscrambled there. The records are handed out in place and stay
+// valid until the next call: nothing is copied per record and memory stays at one window whatever
+// the size of the store. Files of a record set only grow, so a mapped window never loses its pages. Record positions follow the record file's
 // reading rule, parts included. The scanner keeps its own descriptors, so that the store's open
 // part and its lock are not disturbed.
 
@@ -45,6 +47,9 @@ private:
     Place place(int64_t record) const;
     int descriptor(int part, bool write);
     bool load(int64_t first, int64_t last, uint8_t *into);
+    bool map(int64_t first, int64_t last);
+    void unmap();
+    int64_t partSize(int part, int fd, int64_t atLeast);
 
     const RecordFile &file_;
     int64_t records_;
@@ -55,6 +60,10 @@ private:
     std::vector<uint8_t> block_;
     std::vector<uint8_t> single_;
     int64_t blockFirst_ = 1, blockLast_ = 0;
+    const uint8_t *blockData_ = nullptr; // the window: block_ or a mapping
+    void *map_ = nullptr;
+    size_t mapLength_ = 0;
+    std::vector<int64_t> sizes_;
     std::vector<int> readFds_, writeFds_;
 };
 

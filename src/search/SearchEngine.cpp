@@ -8,6 +8,7 @@
 #include "store/RecordStore.h"
 
 #include <cstring>
+#include <vector>
 
 namespace ff {
 
@@ -204,6 +205,13 @@ SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, S
         return pos;
     };
 
+    std::vector<FoldedNeedle> needles;
+    bool trimForTerms = false;
+    for (const FindTerm &t : q.terms) {
+        needles.emplace_back(t.text, table);
+        trimForTerms = trimForTerms || t.text.isEmpty() || t.text.endsWith(' ');
+    }
+
     WideFixed sumFixed = 0;
     double sumFloat = 0;
     const bool canWrite = !readOnly_;
@@ -268,10 +276,12 @@ SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, S
                 break;
             }
             const uint8_t *hay = q.wholeRecord ? rec : rec + q.findField.offset;
-            const int n = FieldReader::trimmedLength(hay, q.wholeRecord ? scanner.recordLength() : q.findField.length);
+            const int full = q.wholeRecord ? scanner.recordLength() : q.findField.length;
+            // The slice is right-trimmed; that can only matter to a term ending in a blank.
+            const int n = trimForTerms ? FieldReader::trimmedLength(hay, full) : full;
             hit = q.allTerms;
-            for (const FindTerm &t : q.terms) {
-                const bool ok = ContainsFolded(hay, n, t.text, table);
+            for (const FoldedNeedle &needle : needles) {
+                const bool ok = needle.foundIn(hay, n);
                 if (ok != q.allTerms) { // the first missing "+" term, or the first "or" term found
                     hit = ok;
                     break;

@@ -109,6 +109,53 @@ bool ContainsFolded(const uint8_t *hay, int length, const QByteArray &needle, co
     return false;
 }
 
+FoldedNeedle::FoldedNeedle(const QByteArray &needle, const uint8_t *fold) : needle_(needle), fold_(fold)
+{
+    if (needle_.isEmpty())
+        return;
+    const auto first = static_cast<uint8_t>(needle_[0]);
+    int count = 0;
+    for (int c = 0; c < 256; ++c)
+        if (fold[c] == first) {
+            if (count < 2)
+                first_[count] = static_cast<uint8_t>(c);
+            ++count;
+        }
+    firstCount_ = count <= 2 ? count : 0;
+}
+
+bool FoldedNeedle::foundIn(const uint8_t *hay, int length) const
+{
+    const int n = static_cast<int>(needle_.size());
+    if (n == 0)
+        return true;
+    if (n > length)
+        return false;
+    if (firstCount_ == 0)
+        return ContainsFolded(hay, length, needle_, fold_);
+    const auto *l = reinterpret_cast<const uint8_t *>(needle_.constData());
+    const uint8_t *p = hay;
+    const uint8_t *lastStart = hay + (length - n); // inclusive
+    while (p <= lastStart) {
+        const size_t span = size_t(lastStart - p) + 1;
+        auto *at = static_cast<const uint8_t *>(std::memchr(p, first_[0], span));
+        if (firstCount_ == 2) {
+            const size_t before = at ? size_t(at - p) : span;
+            if (auto *other = static_cast<const uint8_t *>(std::memchr(p, first_[1], before)))
+                at = other;
+        }
+        if (!at)
+            return false;
+        int k = 1;
+        while (k < n && fold_[at[k]] == l[k])
+            ++k;
+        if (k == n)
+            return true;
+        p = at + 1;
+    }
+    return false;
+}
+
 bool SearchPattern::tokenMatches(const Token &t, uint8_t c) const
 {
     switch (t.kind) {

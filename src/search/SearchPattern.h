@@ -41,4 +41,18 @@ private:
 // Finds `needle` (already folded) in `hay` folded through `fold`; true when it occurs.
 bool ContainsFolded(const uint8_t *hay, int length, const QByteArray &needle, const uint8_t *fold);
 
+// The same search prepared once per term: the bytes that fold to the needle's first byte are
+// known, so candidates are found with memchr and only they are compared byte by byte.
+class FoldedNeedle {
+public:
+    FoldedNeedle(const QByteArray &needle, const uint8_t *fold);
+    bool foundIn(const uint8_t *hay, int length) const;
+
+private:
+    QByteArray needle_;
+    const uint8_t *fold_;
+    uint8_t first_[2] = {0, 0};
+    int firstCount_ = 0; // 0: more than two bytes fold to the first, use the plain loop
+};
+
 } // namespace ff
