@@ -31,6 +31,17 @@ public:
     // A record beyond the end of its part reads as blanks.
     const uint8_t *record(int64_t record, Access access);
 
+    // Asks the processor to fetch `offset` of `record` when it is in the present window: the walk
+    // names the record it will want a few steps ahead.
+    void prefetch(int64_t record, int offset, int length) const
+    {
+        if (record < blockFirst_ || record > blockLast_)
+            return;
+        const uint8_t *p = blockData_ + size_t(record - blockFirst_) * size_t(length_) + offset;
+        for (int k = 0; k < length; k += 64)
+            __builtin_prefetch(p + k);
+    }
+
     // Writes `bytes` (stored form) at `offset` (0-based) in record `record`, on a read-write
     // descriptor of its part.
     Status write(int64_t record, int offset, const QByteArray &bytes);
