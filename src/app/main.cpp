@@ -6,7 +6,13 @@
 #include "gui/MainWindow.h"
 
 #include <QApplication>
+#include <QCryptographicHash>
+#include <QDir>
 #include <QFileInfo>
+#include <QLockFile>
+#include <QStandardPaths>
+
+#include <cstdio>
 
 int main(int argc, char **argv)
 {
@@ -18,11 +24,27 @@ int main(int argc, char **argv)
     QString image = paths.imagePath();
     if (!QFileInfo::exists(image))
         image = QApplication::applicationFilePath();
+
+    // One running copy per app image and user: a second start ends at once.
+    QString lockFolder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    if (lockFolder.isEmpty())
+        lockFolder = QDir::tempPath();
+    const QByteArray key = QCryptographicHash::hash(QFileInfo(image).absoluteFilePath().toUtf8(),
+                                                    QCryptographicHash::Sha1).toHex().left(16);
+    QLockFile instance(QDir(lockFolder).filePath(QStringLiteral("flatform-%1.lock").arg(QString::fromLatin1(key))));
+    instance.setStaleLockTime(0);
+    if (!instance.tryLock(0)) {
+        std::fprintf(stderr, "flatform: %s is already running\n", qPrintable(QFileInfo(image).fileName()));
+        return 0;
+    }
+
     ff::DesignReadOptions options;
     options.extractFolder = paths.AppFolder;
     ff::DesignLoad load = ff::ReadDesign(image, options);
 
     ff::gui::MainWindow window(paths, std::move(load));
+    if (!window.started())
+        return 0;
     window.show();
     return app.exec();
 }

@@ -7,8 +7,10 @@
 #include "formula/DateNumber.h"
 #include "formula/FieldFormat.h"
 #include "gui/Form2Host.h"
+#include "gui/Form6.h"
 #include "gui/PageBinder.h"
 #include "gui/PageCanvas.h"
+#include "gui/Passit.h"
 #include "store/Database.h"
 #include "toolkit/Calculator.h"
 #include "toolkit/Clc.h"
@@ -85,6 +87,12 @@ MainWindow::MainWindow(AppPaths paths, DesignLoad load, QWidget *parent)
     };
 
     db_->start();
+    // The login runs before anything of the data shows; a refused login ends the program.
+    if (!Passit::runLogin(*db_, this)) {
+        loginRefused_ = true;
+        endingNow_ = true;
+        return;
+    }
     setWindowTitle(db_->MainCaption.isEmpty() ? paths_.AppBase : db_->MainCaption);
     if (!design().AppFontName.isEmpty()) {
         QFont f = font();
@@ -101,6 +109,8 @@ MainWindow::MainWindow(AppPaths paths, DesignLoad load, QWidget *parent)
 
 MainWindow::~MainWindow()
 {
+    if (loginRefused_)
+        return;
     // The binder and the canvas refer to the page: they go before the database.
     delete binder_;
     binder_ = nullptr;
@@ -126,6 +136,12 @@ void MainWindow::buildToolbar()
     QAction *create = menu->addAction(st->standardIcon(QStyle::SP_FileDialogNewFolder), createCaption, this,
                                       [this] { chooseDataFile(true); });
     menu->addSeparator();
+    if (Form6::offeredTo(*db_)) {
+        QAction *users = menu->addAction(d.CaptionRun[9].isEmpty() ? tr("&Users...") : d.CaptionRun[9], this,
+                                         [this] { Form6::runUsers(*db_, this); });
+        users->setObjectName(QStringLiteral("Passmenu"));
+        menu->addSeparator();
+    }
     menu->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
     bar->addAction(open);
     open->setToolTip(tipOf(openCaption));
@@ -403,6 +419,10 @@ void MainWindow::updateClock()
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
+    if (loginRefused_) {
+        event->accept();
+        return;
+    }
     Timer1->stop();
     Timer2->stop();
     // Leaving the page saves a dirty record and rewrites the per-user file; "END" ends at once.

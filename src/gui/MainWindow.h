@@ -49,6 +49,8 @@ public:
     QToolButton *navigationButton(int i) const { return Command2[size_t(i)]; }
     QToolButton *newButton() const { return Newbut; }
     QString statusText() const;
+    // False when the login was refused: the program ends without showing the window.
+    bool started() const { return !loginRefused_; }
 
     // Opens (create false) or creates a data file by name, as the Open and Create commands do
     // after their file dialog.
@@ -92,6 +94,7 @@ private:
     QTimer *Timer1 = nullptr; // the stop watch
     QTimer *Timer2 = nullptr; // the clock
     bool endingNow_ = false;
+    bool loginRefused_ = false;
 };
 
 } // namespace ff::gui

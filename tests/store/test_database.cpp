@@ -41,7 +41,8 @@ TEST(Database, MissingFileIsCreatedThenReopened)
     QTemporaryDir dir;
     {
         Session s(dir, fullDesign());
-        EXPECT_EQ(s.db.DataFileName, QStringLiteral("Shop.Dat"));
+        // Named after the image, in proper case, beside it.
+        EXPECT_EQ(s.db.DataFileName, dir.filePath(QStringLiteral("Shop.dat")));
         s.db.DataFileName = dir.filePath(QStringLiteral("shop.dat"));
         ASSERT_TRUE(s.db.OpenDatabase(0));
         EXPECT_TRUE(s.host.messages.isEmpty());
