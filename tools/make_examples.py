@@ -125,14 +125,14 @@ def contacts():
         fields.append(field(0, col2, top, w, ft, ml, tab=n, hint=cap, case=case))
         top += 420
     # typed fields in a second column
-    col3, col4, w2 = 5520, 7320, 2400
+    col3, col4, w2 = 5520, 7320, 3000
     typed = [("Birthday", 9, 8, 1), ("Credit limit", 2, 8, 0), ("Visits", 5, 4, 0),
              ("Balance", 2, 8, 0), ("Available", 2, 8, 0), ("Last call", 12, 8, 0),
              ("First contact", 7, 8, 0)]
     top = 960
     for n, (cap, ft, ml, default) in enumerate(typed, start=7):
         titles.append(label(len(titles), 0, col3, top + 40, cap))
-        formula = "F8-F10" if cap == "Available" else ""
+        formula = "F8~F10" if cap == "Available" else ""  # "~" subtracts: "-" belongs to numbers
         fields.append(field(0, col4, top, w2, ft, ml, tab=n, hint=cap, default=default,
                             formula=formula, align=1 if ft in (1, 2, 5) else 0))
         top += 420
@@ -176,7 +176,7 @@ def contacts():
     d["Titles"] = titles
     d["Pictures"] = [
         {"PictureName": "logo", "PicturePage": 0, "PicturePrint": 1, "FileName": "logo.gif",
-         "Top": 100, "Left": 9720, "Width": 720, "Height": 720, "ToolTip": "Contacts", "PictureHint":
+         "Top": 100, "Left": 9840, "Width": 720, "Height": 720, "ToolTip": "Contacts", "PictureHint":
          "Contacts book", "Border": 0, "Stretch": False, "PictureLink": ""},
         {"PictureName": "photo", "PicturePage": 0, "PicturePrint": 1, "FileName": "", "Top": 4560,
          "Left": 360, "Width": 1800, "Height": 2200, "ToolTip": "Photo", "PictureHint":

@@ -72,8 +72,10 @@ private Q_SLOTS:
         QCOMPARE(field(w, 7)->text(), QStringLiteral("Thursday, January 2, 2003"));
         typeInto(w, 1, QStringLiteral("ada lovelace"), 2); // proper case as typed
         QCOMPARE(field(w, 1)->text(), QStringLiteral("Ada Lovelace"));
-        // The formula of "Available" follows: credit 14 less balance 0.
+        // The formula of "Available" follows: credit less balance.
         QCOMPARE(field(w, 11)->text(), QStringLiteral("14.00"));
+        typeInto(w, 10, QStringLiteral("4.5"), 1);
+        QCOMPARE(field(w, 11)->text(), QStringLiteral("9.50"));
         // F1 fills the focused field with the design's first selective text.
         field(w, 3)->setFocus();
         QTest::keyClick(field(w, 3), Qt::Key_F1);
