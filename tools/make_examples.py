@@ -115,9 +115,9 @@ def contacts():
     fields, titles = [], []
     titles.append(label(0, 0, 360, 150, "Contacts", 16, True, "1D3F66"))
     titles.append(label(1, 0, 360, 7440, "Ready", 8, False, "505050"))       # status line
-    titles.append(label(2, 0, 8400, 240, "No. ", 9, True, "1D3F66"))        # record number
+    titles.append(label(2, 0, 7800, 240, "No. ", 9, True, "1D3F66"))        # record number
     titles.append(label(3, 5, 0, 0, ""))
-    titles.append(label(4, 0, 8400, 540, "Created ", 8, False, "505050"))   # stamp
+    titles.append(label(4, 0, 7800, 540, "Created ", 8, False, "505050"))   # stamp
     titles.append(label(5, 5, 0, 0, ""))
     top = 960
     for n, (cap, ft, ml, tag, case) in enumerate(rows, start=1):
