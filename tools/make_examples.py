@@ -110,8 +110,10 @@ def contacts():
               "PageBackColor": [rgb("F7F5EF"), rgb("F2F4F7"), 0, 0, 0], "BackgroundPicture": "paper.gif",
               "TileMode": 0, "MailAddressField": 5, "MailNameField": 2})
     col1, col2, w = 360, 2160, 3000
-    rows = [("First name", 0, 30, "Text", 2), ("Last name", 0, 30, "Text", 2), ("Company", 0, 40, "", 0),
-            ("Phone", 0, 20, "", 0), ("E-mail", 0, 50, "", 3), ("Web", 0, 60, "", 3)]
+    # A field's tag is its name in search lines and import headers.
+    rows = [("First name", 0, 30, "firstname", 2), ("Last name", 0, 30, "lastname", 2),
+            ("Company", 0, 40, "company", 0), ("Phone", 0, 20, "phone", 0), ("E-mail", 0, 50, "email", 3),
+            ("Web", 0, 60, "web", 3)]
     fields, titles = [], []
     titles.append(label(0, 0, 360, 150, "Contacts", 16, True, "1D3F66"))
     titles.append(label(1, 0, 360, 7440, "Ready", 8, False, "505050"))       # status line
@@ -122,7 +124,7 @@ def contacts():
     top = 960
     for n, (cap, ft, ml, tag, case) in enumerate(rows, start=1):
         titles.append(label(len(titles), 0, col1, top + 40, cap))
-        fields.append(field(0, col2, top, w, ft, ml, tab=n, hint=cap, case=case))
+        fields.append(field(0, col2, top, w, ft, ml, tag=tag, tab=n, hint=cap, case=case))
         top += 420
     # typed fields in a second column
     col3, col4, w2 = 5520, 7320, 3000
@@ -133,32 +135,32 @@ def contacts():
     for n, (cap, ft, ml, default) in enumerate(typed, start=7):
         titles.append(label(len(titles), 0, col3, top + 40, cap))
         formula = "F8~F10" if cap == "Available" else ""  # "~" subtracts: "-" belongs to numbers
-        fields.append(field(0, col4, top, w2, ft, ml, tab=n, hint=cap, default=default,
+        fields.append(field(0, col4, top, w2, ft, ml, tag=cap.lower().replace(" ", ""), tab=n, hint=cap, default=default,
                             formula=formula, align=1 if ft in (1, 2, 5) else 0))
         top += 420
     # full name on the notes page, built by a text formula
     titles.append(label(len(titles), 1, 360, 1000, "Full name"))
-    fields.append(field(1, 2160, 960, 4200, 0, 64, formula="F1 F2", tab=20, hint="Full name"))
+    fields.append(field(1, 2160, 960, 4200, 0, 64, tag="fullname", formula="F1 F2", tab=20, hint="Full name"))
     d["Fields"] = fields
     # combos, checks, notes
     d["Combos"] = [
         {"List": ["Family", "Friends", "Work", "Customer", "Supplier"], "ComboPage": 0, "MaxLength": 12,
          "Top": 3520, "Left": col2, "Width": w, "FontName": "DejaVu Sans", "FontSize": 9,
-         "BackColor": rgb("FFFFFF"), "ComboTabOrder": 14, "ToolTip": "Category", "ComboHint": "Category",
+         "BackColor": rgb("FFFFFF"), "Tag": "category", "ComboTabOrder": 14, "ToolTip": "Category", "ComboHint": "Category",
          "Frame": {"color": rgb("7A8CA0"), "fill": 0}, "ComboMenu": True},
         {"List": ["Web", "Fair", "Referral", "Mailing"], "ComboPage": 1, "MaxLength": 10, "Top": 1440,
          "Left": 2160, "Width": 2400, "FontName": "DejaVu Sans", "FontSize": 9, "BackColor": rgb("FFFFFF"),
-         "ComboTabOrder": 21, "ToolTip": "Source", "ComboHint": "How we met",
+         "Tag": "source", "ComboTabOrder": 21, "ToolTip": "Source", "ComboHint": "How we met",
          "Frame": {"color": rgb("7A8CA0"), "fill": 0}},
     ]
     titles.append(label(len(titles), 0, col1, 3560, "Category"))
     titles.append(label(len(titles), 1, 360, 1480, "Source"))
     d["Checks"] = [
-        {"CheckPage": 0, "Left": col2, "Top": 4000, "Tag": "Newsletter", "CheckTabOrder": 15,
+        {"CheckPage": 0, "Left": col2, "Top": 4000, "Tag": "newsletter", "CheckTabOrder": 15,
          "ToolTip": "Newsletter", "CheckHint": "Sends the newsletter", "CheckDefault": 1},
-        {"CheckPage": 0, "Left": col2 + 1700, "Top": 4000, "Tag": "VIP", "CheckTabOrder": 16,
+        {"CheckPage": 0, "Left": col2 + 1700, "Top": 4000, "Tag": "vip", "CheckTabOrder": 16,
          "ToolTip": "VIP", "CheckHint": "A very important person"},
-        {"CheckPage": 1, "Left": 5000, "Top": 1480, "Tag": "Do not call", "CheckTabOrder": 22,
+        {"CheckPage": 1, "Left": 5000, "Top": 1480, "Tag": "nocall", "CheckTabOrder": 22,
          "OptionBx": 0},
     ]
     titles.append(label(len(titles), 0, col2 + 300, 4010, "Newsletter"))
@@ -166,7 +168,7 @@ def contacts():
     titles.append(label(len(titles), 1, 5300, 1490, "Do not call"))
     d["Notes"] = [{"NotePage": 1, "MaxLength": 2000, "Top": 2100, "Left": 360, "Width": 9900,
                    "Height": 4600, "FontName": "DejaVu Sans", "FontSize": 10, "BackColor": rgb("FFFFFF"),
-                   "NoteTabOrder": 23, "ToolTip": "Notes", "NoteHint": "Anything worth remembering",
+                   "Tag": "notes", "NoteTabOrder": 23, "ToolTip": "Notes", "NoteHint": "Anything worth remembering",
                    "Border": 1, "NoteBox": True, "Frame": {"color": rgb("7A8CA0"), "fill": 0}}]
     titles.append(label(len(titles), 1, 360, 1860, "Notes", 9, True))
     # navigation labels
@@ -188,7 +190,7 @@ def contacts():
     d["Lines"] = [line(0, 240, 7320, 10560, 7320), line(1, 240, 7320, 10560, 7320)]
     d["Buttons"] = [
         button(0, 2400, 6840, 1300, "New contact", tag="<>", tip="Adds a contact"),
-        button(0, 3800, 6840, 1300, "Customers", script="select F1 F2 F3 where C1='Customer'",
+        button(0, 3800, 6840, 1300, "Customers", script="select firstname lastname company where category=customer",
                tip="Lists the customers"),
         button(1, 8880, 6900, 1500, "Previous", tag="<", tip="One contact back"),
         button(1, 6600, 6900, 2100, "Quit, don't save", tag="END", tip="Ends at once without saving"),
@@ -205,21 +207,23 @@ def invoice():
               label(5, 5, 0, 0, "")]
     fields = []
     head = [("Number", 0, 12, 1800), ("Date", 7, 8, 1800), ("Customer", 0, 40, 4200),
-            ("Address", 0, 60, 4200)]
+            ("Address", 0, 60, 4200)]  # tags: the captions in lower case
     top = 1000
     for n, (cap, ft, ml, w) in enumerate(head, start=1):
         titles.append(label(len(titles), 0, 360, top + 40, cap))
-        fields.append(field(0, 1800, top, w, ft, ml, tab=n, hint=cap))
+        fields.append(field(0, 1800, top, w, ft, ml, tag=cap.lower(), tab=n, hint=cap))
         top += 400
     titles += [label(len(titles) + k, 0, x, 2760, cap, 9, True, "1F5F3F") for k, (x, cap) in
                enumerate([(360, "Description"), (5400, "Qty"), (6600, "Unit price"), (8400, "Line total")])]
     top = 3060
     for item in range(4):
         base_no = 5 + item * 4
-        fields.append(field(0, 360, top, 4900, 0, 40, tab=10 + item * 3, hint="Description"))
-        fields.append(field(0, 5400, top, 1100, 1, 8, tab=11 + item * 3, hint="Quantity", align=1))
-        fields.append(field(0, 6600, top, 1700, 2, 8, tab=12 + item * 3, hint="Unit price", align=1))
-        fields.append(field(0, 8400, top, 2000, 2, 8, formula=f"F{base_no + 1}*F{base_no + 2}",
+        n = item + 1
+        fields.append(field(0, 360, top, 4900, 0, 40, tag=f"item{n}", tab=10 + item * 3, hint="Description"))
+        fields.append(field(0, 5400, top, 1100, 1, 8, tag=f"qty{n}", tab=11 + item * 3, hint="Quantity", align=1))
+        fields.append(field(0, 6600, top, 1700, 2, 8, tag=f"price{n}", tab=12 + item * 3, hint="Unit price",
+                            align=1))
+        fields.append(field(0, 8400, top, 2000, 2, 8, tag=f"line{n}", formula=f"F{base_no + 1}*F{base_no + 2}",
                             tab=40 + item, hint="Quantity times price", align=1))
         top += 360
     sums = [("Subtotal", "F8+F12+F16+F20"), ("Tax rate %", ""), ("Tax", "F21*F22/100"),
@@ -228,14 +232,15 @@ def invoice():
     for cap, formula in sums:
         titles.append(label(len(titles), 0, 6600, top + 40, cap, 9, cap == "Total"))
         ftype = 1 if cap.startswith("Tax rate") else 2
-        fields.append(field(0, 8400, top, 2000, ftype, 8, formula=formula, tab=60 + len(fields),
+        fields.append(field(0, 8400, top, 2000, ftype, 8, tag=cap.lower().replace(" rate %", "rate"),
+                            formula=formula, tab=60 + len(fields),
                             hint=cap, align=1, box=cap == "Total"))
         top += 380
     titles.append(label(len(titles), 0, 360, top + 80, "In words"))
-    fields.append(field(0, 1800, top + 40, 8600, 0, 120, formula="f25=CUR(F24)", tab=70,
+    fields.append(field(0, 1800, top + 40, 8600, 0, 120, tag="words", formula="f25=CUR(F24)", tab=70,
                         hint="The total in words"))
     d["Fields"] = fields
-    d["Checks"] = [{"CheckPage": 0, "Left": 6600, "Top": 1060, "Tag": "Paid", "CheckTabOrder": 5}]
+    d["Checks"] = [{"CheckPage": 0, "Left": 6600, "Top": 1060, "Tag": "paid", "CheckTabOrder": 5}]
     titles.append(label(len(titles), 0, 6900, 1060, "Paid"))
     d["Titles"] = titles
     d["Pictures"] = [{"PictureName": "acme", "PicturePage": 0, "PicturePrint": 1, "FileName": "acme.gif",

@@ -129,7 +129,7 @@ void PageCanvas::buildElements()
         edit->setAlignment(alignmentOf(f.Alignment));
         edit->setFrame(f.Border != 0);
         edit->setToolTip(f.ToolTip);
-        edit->setAccessibleName(f.FieldHint.isEmpty() ? QStringLiteral("Field %1").arg(i) : f.FieldHint);
+        edit->setAccessibleName(!f.Tag.isEmpty() ? f.Tag : !f.FieldHint.isEmpty() ? f.FieldHint : QStringLiteral("Field %1").arg(i));
         // Text formats keep their slot's length; numbers and dates take expressions and long forms.
         const bool storedAsText = f.FieldType == 0 || f.FieldType >= 10;
         if (storedAsText && f.MaxLength > 0)
@@ -148,7 +148,7 @@ void PageCanvas::buildElements()
         combo->setFont(elementFont(c.FontName, c.FontSize, c.FontBold, c.FontItalic));
         setColors(combo, c.ForeColor, c.BackColor);
         combo->setToolTip(c.ToolTip);
-        combo->setAccessibleName(c.ComboHint.isEmpty() ? QStringLiteral("Combo %1").arg(i) : c.ComboHint);
+        combo->setAccessibleName(!c.Tag.isEmpty() ? c.Tag : !c.ComboHint.isEmpty() ? c.ComboHint : QStringLiteral("Combo %1").arg(i));
         combo->move(toPixels(c.Left, tpp_), toPixels(c.Top, tpp_));
         combo->resize(qMax(1, toPixels(c.Width, tpp_)), combo->sizeHint().height());
         combos_[i] = {combo, static_cast<int>(c.ComboPage)};
@@ -162,7 +162,7 @@ void PageCanvas::buildElements()
         setColors(note, n.ForeColor, n.BackColor);
         note->setFrameShape(n.Border != 0 ? QFrame::StyledPanel : QFrame::NoFrame);
         note->setToolTip(n.ToolTip);
-        note->setAccessibleName(n.NoteHint.isEmpty() ? QStringLiteral("Note %1").arg(i) : n.NoteHint);
+        note->setAccessibleName(!n.Tag.isEmpty() ? n.Tag : !n.NoteHint.isEmpty() ? n.NoteHint : QStringLiteral("Note %1").arg(i));
         place(note, n.Left, n.Top, n.Width, n.Height);
         notes_[i] = {note, n.NotePage};
     }
