@@ -8,6 +8,7 @@
 #include "search/SortIndexBuilder.h"
 #include "store/Database.h"
 
+#include <charconv>
 #include <cstdio>
 #include <memory>
 
@@ -63,8 +64,9 @@ public:
         char buf[16];
         for (qsizetype k = 1; k < index.size(); ++k) {
             const int r = down ? index[index.size() - k] : index[k];
-            const int n = std::snprintf(buf, sizeof buf, "%d\n", r);
-            text.append(buf, size_t(n));
+            char *end = std::to_chars(buf, buf + sizeof buf - 1, r).ptr;
+            *end++ = '\n';
+            text.append(buf, size_t(end - buf));
         }
         std::fwrite(text.data(), 1, text.size(), stdout);
         std::fflush(stdout);

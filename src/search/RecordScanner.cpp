@@ -13,11 +13,13 @@
 
 namespace ff {
 
-RecordScanner::RecordScanner(const RecordFile &file, int64_t records, bool scrambled, int64_t blockBytes)
+RecordScanner::RecordScanner(const RecordFile &file, int64_t records, bool scrambled, int64_t blockBytes,
+                             int64_t mapBytes)
     : file_(file), records_(records), scrambled_(scrambled), length_(std::max(1, file.RecordLength())),
       perPart_(std::max<int64_t>(1, file.RecordsPerPart()))
 {
     blockRecords_ = std::max<int64_t>(1, blockBytes / length_);
+    mapRecords_ = std::max<int64_t>(1, mapBytes / length_);
     single_.resize(size_t(length_));
 }
 
@@ -122,7 +124,7 @@ bool RecordScanner::map(int64_t first, int64_t last)
     static const int64_t page = ::sysconf(_SC_PAGESIZE);
     const int64_t aligned = start - start % page;
     unmap();
-    void *m = ::mmap(nullptr, size_t(end - aligned), PROT_READ, MAP_SHARED | MAP_POPULATE, fd, off_t(aligned));
+    void *m = ::mmap(nullptr, size_t(end - aligned), PROT_READ, MAP_SHARED, fd, off_t(aligned));
     if (m == MAP_FAILED)
         return false;
     map_ = m;
@@ -146,18 +148,22 @@ const uint8_t *RecordScanner::record(int64_t record, Access access)
     const Place p = place(record);
     const int64_t partFirst = perPart_ * p.part + 1;
     const int64_t partLast = std::min(perPart_ * (p.part + 1), std::max(records_, record));
+    auto window = [&](int64_t count, int64_t &first, int64_t &last) {
+        if (access == Access::Backward) {
+            last = record;
+            first = std::max(partFirst, record - count + 1);
+        } else {
+            first = record;
+            last = std::min(partLast, record + count - 1);
+        }
+    };
     int64_t first, last;
-    if (access == Access::Backward) {
-        last = record;
-        first = std::max(partFirst, record - blockRecords_ + 1);
-    } else {
-        first = record;
-        last = std::min(partLast, record + blockRecords_ - 1);
-    }
+    window(mapRecords_, first, last);
     blockFirst_ = 1;
     blockLast_ = 0;
     if (scrambled_ || !map(first, last)) {
         unmap();
+        window(blockRecords_, first, last);
         const size_t bytes = size_t(last - first + 1) * size_t(length_);
         if (block_.size() < bytes)
             block_.resize(bytes);

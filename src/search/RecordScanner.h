@@ -21,7 +21,10 @@ namespace ff {
 class RecordScanner {
 public:
     // `records`: how many records the walk may reach (the store's RecordCount).
-    RecordScanner(const RecordFile &file, int64_t records, bool scrambled, int64_t blockBytes = 4 << 20);
+    // `blockBytes`: the size of a window read into a buffer; `mapBytes`: of a mapped window. A
+    // mapped window costs no memory of its own, and fewer, larger mappings cost less time.
+    RecordScanner(const RecordFile &file, int64_t records, bool scrambled, int64_t blockBytes = 4 << 20,
+                  int64_t mapBytes = 16 << 20);
     ~RecordScanner();
     RecordScanner(const RecordScanner &) = delete;
     RecordScanner &operator=(const RecordScanner &) = delete;
@@ -68,6 +71,7 @@ private:
     int length_;
     int64_t perPart_;
     int64_t blockRecords_;
+    int64_t mapRecords_;
     std::vector<uint8_t> block_;
     std::vector<uint8_t> single_;
     int64_t blockFirst_ = 1, blockLast_ = 0;

@@ -6,9 +6,9 @@
 #include "search/SearchNames.h"
 #include "store/RecordStore.h"
 
-#include <chrono>
+#include <algorithm>
+#include <array>
 #include <cstring>
-#include <random>
 
 namespace ff {
 
@@ -19,79 +19,102 @@ SortIndexBuilder::SortIndexBuilder(const Design &design, const RecordFile &file,
 
 namespace {
 
-// Fixed-width text slots compared as bytes: the texts are folded and blank padded.
-struct TextSlots {
-    uint8_t *base;
-    int width;
-    uint8_t *at(int64_t i) const { return base + i * width; }
-    int compare(const uint8_t *a, const uint8_t *b) const { return std::memcmp(a, b, size_t(width)); }
-    void swap(int64_t i, int64_t j, uint8_t *scratch) const
-    {
-        std::memcpy(scratch, at(i), size_t(width));
-        std::memcpy(at(i), at(j), size_t(width));
-        std::memcpy(at(j), scratch, size_t(width));
-    }
+// One entry of the text sort: eight key bytes read big-endian, so that comparing two of them as
+// numbers compares the bytes as memcmp does, and the slot the entry stands for.
+struct TextEntry {
+    uint64_t key;
+    uint32_t slot;
 };
+
+uint64_t keyChunk(const uint8_t *slot, int width, int depth)
+{
+    uint8_t bytes[8] = {0, 0, 0, 0, 0, 0, 0, 0}; // a short last chunk: every slot is padded alike
+    std::memcpy(bytes, slot + depth, size_t(std::min(8, width - depth)));
+    uint64_t v;
+    std::memcpy(&v, bytes, 8);
+    return __builtin_bswap64(v);
+}
+
+// Stable sorts of entries [0, n) by key; `scratch` holds n entries.
+void insertionSort(TextEntry *e, size_t n)
+{
+    for (size_t i = 1; i < n; ++i) {
+        const TextEntry x = e[i];
+        size_t j = i;
+        while (j > 0 && e[j - 1].key > x.key) {
+            e[j] = e[j - 1];
+            --j;
+        }
+        e[j] = x;
+    }
+}
+
+void radixSort(TextEntry *e, size_t n, TextEntry *scratch)
+{
+    // All eight byte counts in one pass; a byte that is the same in every entry needs no pass.
+    std::vector<std::array<uint32_t, 256>> counts(8);
+    for (auto &c : counts)
+        c.fill(0);
+    for (size_t i = 0; i < n; ++i)
+        for (int d = 0; d < 8; ++d)
+            ++counts[size_t(d)][(e[i].key >> (8 * d)) & 0xFF];
+    TextEntry *from = e, *to = scratch;
+    for (int d = 0; d < 8; ++d) {
+        std::array<uint32_t, 256> &c = counts[size_t(d)];
+        if (c[(e[0].key >> (8 * d)) & 0xFF] == n)
+            continue;
+        uint32_t sum = 0;
+        for (uint32_t &v : c) {
+            const uint32_t k = v;
+            v = sum;
+            sum += k;
+        }
+        for (size_t i = 0; i < n; ++i)
+            to[c[(from[i].key >> (8 * d)) & 0xFF]++] = from[i];
+        std::swap(from, to);
+    }
+    if (from != e)
+        std::memcpy(e, from, n * sizeof(TextEntry));
+}
+
+// Orders entries [0, n) by the slot bytes from `depth` on: the next eight bytes first, then each
+// run of equal bytes by the eight after them. Every step is stable, so equal slots keep the order
+// they came in.
+void sortByBytes(TextEntry *e, size_t n, const uint8_t *keys, int width, int depth, TextEntry *scratch)
+{
+    for (size_t i = 0; i < n; ++i)
+        e[i].key = keyChunk(keys + size_t(e[i].slot) * size_t(width), width, depth);
+    if (n <= 32)
+        insertionSort(e, n);
+    else
+        radixSort(e, n, scratch);
+    if (depth + 8 >= width)
+        return;
+    size_t run = 0;
+    for (size_t i = 1; i <= n; ++i) {
+        if (i < n && e[i].key == e[run].key)
+            continue;
+        if (i - run > 1)
+            sortByBytes(e + run, i - run, keys, width, depth + 8, scratch);
+        run = i;
+    }
+}
 
 } // namespace
 
-void SortIndexBuilder::SortTextIndex(std::vector<uint8_t> &keys, int width, std::vector<int> &order, uint32_t seed)
+void SortIndexBuilder::SortTextIndex(const std::vector<uint8_t> &keys, int width, std::vector<int> &order)
 {
-    const int64_t n = int64_t(order.size());
+    const size_t n = order.size();
     if (n < 2 || width <= 0)
         return;
-    TextSlots s{keys.data(), width};
-    std::vector<uint8_t> scratch(static_cast<size_t>(width)), pivot(static_cast<size_t>(width));
-    std::mt19937 random(seed);
-    std::uniform_real_distribution<double> rnd(0.0, 1.0);
-    auto exchange = [&](int64_t i, int64_t j) {
-        s.swap(i, j, scratch.data());
-        std::swap(order[size_t(i)], order[size_t(j)]);
-    };
-    // An explicit stack of ranges instead of recursion; the smaller part is taken first so the
-    // stack stays short.
-    std::vector<std::pair<int64_t, int64_t>> stack;
-    stack.reserve(64);
-    stack.push_back({0, n - 1});
-    while (!stack.empty()) {
-        auto [low, high] = stack.back();
-        stack.pop_back();
-        if (high - low < 10) {
-            // Selection step.
-            for (int64_t i = low; i < high; ++i) {
-                int64_t smallest = i;
-                for (int64_t j = i + 1; j <= high; ++j)
-                    if (s.compare(s.at(j), s.at(smallest)) < 0)
-                        smallest = j;
-                if (smallest != i)
-                    exchange(i, smallest);
-            }
-            continue;
-        }
-        const int64_t p = std::min(high, int64_t(rnd(random) * double(high - low) + 0.5 + double(low)));
-        std::memcpy(pivot.data(), s.at(p), size_t(width));
-        int64_t i = low, j = high;
-        while (i <= j) {
-            while (s.compare(s.at(i), pivot.data()) < 0)
-                ++i;
-            while (s.compare(s.at(j), pivot.data()) > 0)
-                --j;
-            if (i <= j) {
-                if (i != j)
-                    exchange(i, j);
-                ++i;
-                --j;
-            }
-        }
-        const bool leftSmaller = (j - low) < (high - i);
-        if (leftSmaller) {
-            if (i < high) stack.push_back({i, high});
-            if (low < j) stack.push_back({low, j});
-        } else {
-            if (low < j) stack.push_back({low, j});
-            if (i < high) stack.push_back({i, high});
-        }
-    }
+    std::vector<TextEntry> entries(n), scratch(n);
+    for (size_t i = 0; i < n; ++i)
+        entries[i].slot = uint32_t(i);
+    sortByBytes(entries.data(), n, keys.data(), width, 0, scratch.data());
+    std::vector<int> sorted(n);
+    for (size_t i = 0; i < n; ++i)
+        sorted[i] = order[entries[i].slot];
+    order.swap(sorted);
 }
 
 Result<SortIndexBuilder::Outcome> SortIndexBuilder::build(const SearchField &field, Progress *progress, int progressStep) const
@@ -119,6 +142,8 @@ Result<SortIndexBuilder::Outcome> SortIndexBuilder::build(const SearchField &fie
         currencies.resize(size_t(n));
 
     const int step = std::max(1, progressStep);
+    const int width = field.length;
+    const uint8_t *table = fold.table();
     for (int64_t r = 1; r <= n; ++r) {
         if (progress && (r - 1) % step == 0) {
             progress->setPercent(int((r - 1) * 100 / n));
@@ -128,17 +153,17 @@ Result<SortIndexBuilder::Outcome> SortIndexBuilder::build(const SearchField &fie
             }
         }
         order[size_t(r - 1)] = int(r);
+        scanner.prefetch(r + 8, field.offset, numeric ? 1 : width);
         const uint8_t *rec = scanner.record(r, RecordScanner::Access::Forward);
         const uint8_t *p = rec ? rec + field.offset : nullptr;
         if (!numeric) {
-            uint8_t *slot = texts.data() + size_t(r - 1) * size_t(field.length);
+            uint8_t *slot = texts.data() + size_t(r - 1) * size_t(width);
             if (!p) {
-                std::memset(slot, ' ', size_t(field.length));
+                std::memset(slot, ' ', size_t(width));
                 continue;
             }
-            const uint8_t *t = fold.table();
-            for (int k = 0; k < field.length; ++k)
-                slot[k] = t[p[k]];
+            for (int k = 0; k < width; ++k)
+                slot[k] = table[p[k]];
         } else if (field.value == ValueKind::Float) {
             floats[size_t(r - 1)] = p ? FieldReader::readDouble(p) : 0.0;
         } else if (field.value == ValueKind::Whole) {
@@ -148,8 +173,7 @@ Result<SortIndexBuilder::Outcome> SortIndexBuilder::build(const SearchField &fie
         }
     }
     if (!numeric) {
-        const auto seed = uint32_t(std::chrono::steady_clock::now().time_since_epoch().count());
-        SortTextIndex(texts, field.length, order, seed);
+        SortTextIndex(texts, field.length, order);
     } else if (field.value == ValueKind::Float) {
         ShellSort(floats, order);
     } else if (field.value == ValueKind::Whole) {

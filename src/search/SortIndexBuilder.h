@@ -1,9 +1,9 @@
 #pragma once
 // BuildSortIndex: the record numbers of all records in the ascending order of one element's
-// value. Numbers, money and dates are sorted by a Shell sort (gaps 1, 4, 13, 40, ...); texts by a
-// random-pivot quick sort that ignores case, with a selection step for ranges of ten or fewer.
-// The keys are read in one walk in file order with large block reads; text keys are folded
-// once and kept in fixed-width slots that move along with their record numbers.
+// value. Numbers, money and dates are sorted by a Shell sort (gaps 1, 4, 13, 40, ...). Texts are
+// compared without case: the keys are folded once into fixed-width slots and sorted by a stable
+// radix sort on eight bytes at a time, runs of equal bytes by the next eight; records with equal
+// texts stay in record order. The keys are read in one walk in file order.
 
 #include "core/Progress.h"
 #include "core/Result.h"
@@ -36,8 +36,9 @@ public:
     // The sorts themselves, for tests: ascending, moving `order` along with the keys.
     template <typename Key>
     static void ShellSort(std::vector<Key> &keys, std::vector<int> &order);
-    // `keys` holds count slots of `width` bytes each.
-    static void SortTextIndex(std::vector<uint8_t> &keys, int width, std::vector<int> &order, uint32_t seed);
+    // `keys` holds order.size() slots of `width` bytes each, slot i for order[i]. Puts `order`
+    // in the ascending byte order of the slots; equal slots keep their order. `keys` is not moved.
+    static void SortTextIndex(const std::vector<uint8_t> &keys, int width, std::vector<int> &order);
 
 private:
     const Design &design_;
