@@ -72,9 +72,9 @@ struct RowTester {
         const SearchField &f = row.field;
         if (f.value == ValueKind::Text) {
             const uint8_t *p = record + f.offset;
-            const int n = FieldReader::trimmedLength(p, f.length);
             if (row.op == kOpEqual)
-                return row.pattern.matches(p, n, fold);
+                return row.pattern.matchesPadded(p, f.length, fold);
+            const int n = FieldReader::trimmedLength(p, f.length);
             if (row.op == kOpNotEqual) {
                 if (n != row.text.size())
                     return true;

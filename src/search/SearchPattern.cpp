@@ -1,6 +1,9 @@
 #include "search/SearchPattern.h"
 
 #include <cstring>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace ff {
 
@@ -76,6 +79,9 @@ SearchPattern::SearchPattern(const QByteArray &pattern)
         shape_ = Shape::General;
     if (shape_ != Shape::General)
         literal_ = run;
+    // A match of such a run ends on a byte that is not a blank, so it lies inside the trimmed
+    // value whenever it lies inside the padded one.
+    untrimmed_ = (shape_ == Shape::Prefix || shape_ == Shape::Contains) && !literal_.isEmpty() && !literal_.endsWith(' ');
 }
 
 static bool equalFolded(const uint8_t *value, const QByteArray &literal, const uint8_t *fold)
@@ -113,15 +119,33 @@ FoldedNeedle::FoldedNeedle(const QByteArray &needle, const uint8_t *fold) : need
 {
     if (needle_.isEmpty())
         return;
-    const auto first = static_cast<uint8_t>(needle_[0]);
-    int count = 0;
-    for (int c = 0; c < 256; ++c)
-        if (fold[c] == first) {
-            if (count < 2)
-                first_[count] = static_cast<uint8_t>(c);
-            ++count;
-        }
-    firstCount_ = count <= 2 ? count : 0;
+    // The bytes that fold to the needle's byte `at`: up to two of them, or none when there are more.
+    auto variants = [&](int at, uint8_t *into) {
+        const auto wanted = static_cast<uint8_t>(needle_[at]);
+        int count = 0;
+        for (int c = 0; c < 256; ++c)
+            if (fold[c] == wanted) {
+                if (count < 2)
+                    into[count] = static_cast<uint8_t>(c);
+                ++count;
+            }
+        if (count == 1)
+            into[1] = into[0];
+        return count <= 2 ? count : 0;
+    };
+    firstCount_ = variants(0, first_);
+    if (needle_.size() >= 2)
+        secondCount_ = variants(1, second_);
+}
+
+bool FoldedNeedle::matchesAt(const uint8_t *at) const
+{
+    const auto *l = reinterpret_cast<const uint8_t *>(needle_.constData());
+    const int n = static_cast<int>(needle_.size());
+    int k = 1;
+    while (k < n && fold_[at[k]] == l[k])
+        ++k;
+    return k == n;
 }
 
 bool FoldedNeedle::foundIn(const uint8_t *hay, int length) const
@@ -133,26 +157,33 @@ bool FoldedNeedle::foundIn(const uint8_t *hay, int length) const
         return false;
     if (firstCount_ == 0)
         return ContainsFolded(hay, length, needle_, fold_);
-    const auto *l = reinterpret_cast<const uint8_t *>(needle_.constData());
-    const uint8_t *p = hay;
-    const uint8_t *lastStart = hay + (length - n); // inclusive
-    while (p <= lastStart) {
-        const size_t span = size_t(lastStart - p) + 1;
-        auto *at = static_cast<const uint8_t *>(std::memchr(p, first_[0], span));
-        if (firstCount_ == 2) {
-            const size_t before = at ? size_t(at - p) : span;
-            if (auto *other = static_cast<const uint8_t *>(std::memchr(p, first_[1], before)))
-                at = other;
+    const int lastStart = length - n; // the last place the needle can start
+    int i = 0;
+#ifdef __SSE2__
+    // Sixteen places at a time: a place is a candidate when its byte folds to the needle's first
+    // byte and, for longer needles, the next byte folds to its second. Every load stays inside the
+    // slice: the block's last place is at most lastStart, and its next byte at most length - 1.
+    const __m128i a0 = _mm_set1_epi8(static_cast<char>(first_[0])), a1 = _mm_set1_epi8(static_cast<char>(first_[1]));
+    const bool pairs = secondCount_ != 0;
+    const __m128i b0 = _mm_set1_epi8(static_cast<char>(second_[0])), b1 = _mm_set1_epi8(static_cast<char>(second_[1]));
+    for (; i + 15 <= lastStart; i += 16) {
+        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(hay + i));
+        __m128i m = _mm_or_si128(_mm_cmpeq_epi8(v, a0), _mm_cmpeq_epi8(v, a1));
+        if (pairs) {
+            const __m128i w = _mm_loadu_si128(reinterpret_cast<const __m128i *>(hay + i + 1));
+            m = _mm_and_si128(m, _mm_or_si128(_mm_cmpeq_epi8(w, b0), _mm_cmpeq_epi8(w, b1)));
         }
-        if (!at)
-            return false;
-        int k = 1;
-        while (k < n && fold_[at[k]] == l[k])
-            ++k;
-        if (k == n)
-            return true;
-        p = at + 1;
+        unsigned bits = static_cast<unsigned>(_mm_movemask_epi8(m));
+        while (bits) {
+            if (matchesAt(hay + i + __builtin_ctz(bits)))
+                return true;
+            bits &= bits - 1;
+        }
     }
+#endif
+    for (; i <= lastStart; ++i)
+        if ((hay[i] == first_[0] || hay[i] == first_[1]) && matchesAt(hay + i))
+            return true;
     return false;
 }
 
@@ -194,6 +225,15 @@ bool SearchPattern::matchGeneral(const uint8_t *value, int length, const uint8_t
     while (p < n && tokens_[p].kind == Token::Star)
         ++p;
     return p == n;
+}
+
+bool SearchPattern::matchesPadded(const uint8_t *value, int length, const uint8_t *fold) const
+{
+    if (!untrimmed_) {
+        while (length > 0 && value[length - 1] == ' ')
+            --length;
+    }
+    return matches(value, length, fold);
 }
 
 bool SearchPattern::matches(const uint8_t *value, int length, const uint8_t *fold) const

@@ -19,6 +19,9 @@ public:
 
     // `fold` maps every value byte before it is compared (the pattern is folded already).
     bool matches(const uint8_t *value, int length, const uint8_t *fold) const;
+    // The same for a stored value that still has its trailing blanks: what matches() says of the
+    // value without them. The prefix and contains shapes need no trimming for that.
+    bool matchesPadded(const uint8_t *value, int length, const uint8_t *fold) const;
 
     enum class Shape { Exact, Prefix, Suffix, Contains, Everything, General };
     Shape shape() const { return shape_; }
@@ -34,6 +37,7 @@ private:
 
     Shape shape_ = Shape::Exact;
     QByteArray literal_; // the fixed run of the simple shapes
+    bool untrimmed_ = false; // a prefix or contains run that does not end in a blank
     std::vector<Token> tokens_;
     std::vector<std::bitset<256>> sets_;
 };
@@ -41,18 +45,22 @@ private:
 // Finds `needle` (already folded) in `hay` folded through `fold`; true when it occurs.
 bool ContainsFolded(const uint8_t *hay, int length, const QByteArray &needle, const uint8_t *fold);
 
-// The same search prepared once per term: the bytes that fold to the needle's first byte are
-// known, so candidates are found with memchr and only they are compared byte by byte.
+// The same search prepared once per term: the bytes that fold to the needle's first two bytes are
+// known, so candidates are found sixteen places at a time and only they are compared byte by byte.
 class FoldedNeedle {
 public:
     FoldedNeedle(const QByteArray &needle, const uint8_t *fold);
     bool foundIn(const uint8_t *hay, int length) const;
 
 private:
+    bool matchesAt(const uint8_t *at) const; // the bytes after the first
+
     QByteArray needle_;
     const uint8_t *fold_;
     uint8_t first_[2] = {0, 0};
-    int firstCount_ = 0; // 0: more than two bytes fold to the first, use the plain loop
+    uint8_t second_[2] = {0, 0};
+    int firstCount_ = 0;  // 0: more than two bytes fold to the first, use the plain loop
+    int secondCount_ = 0; // 0: a one-byte needle, or more than two bytes fold to the second
 };
 
 } // namespace ff

@@ -9,7 +9,11 @@
 #include "search/FieldReader.h"
 #include "store/RecordLayout.h"
 
+#include <QRandomGenerator>
+
 #include <cstring>
+#include <string>
+#include <vector>
 
 using namespace ff;
 using namespace ff::testing;
@@ -66,6 +70,51 @@ TEST(CaseFold, FoldsLettersOfTheCodePageOnly)
     const CaseFold japanese{CodePage(128)};
     EXPECT_EQ(japanese(0x82), 0x82); // lead bytes never change
     EXPECT_EQ(japanese(uint8_t('Q')), uint8_t('q'));
+}
+
+TEST(SearchPattern, PaddedValuesMatchAsTheirTrimmedText)
+{
+    // A stored text keeps its trailing blanks; the prefix and contains shapes skip the trim
+    // unless their run ends in a blank, every other shape trims first.
+    static const CaseFold west{CodePage(0)};
+    const char *values[] = {"", "   ", "k12", "K12  ", "k1 2 ", "xk12 ", "k1", "ab c   ", "ab  "};
+    const char *patterns[] = {"k12*", "*k12*", "k12", "*12", "k1 *", "*b *", "ab ", "*", "", "k?2*", "*c", "ab*"};
+    for (const char *v : values)
+        for (const char *p : patterns) {
+            const SearchPattern pattern(west.fold(QByteArray(p)));
+            const auto *bytes = reinterpret_cast<const uint8_t *>(v);
+            int trimmed = int(std::strlen(v));
+            while (trimmed > 0 && v[trimmed - 1] == ' ')
+                --trimmed;
+            EXPECT_EQ(pattern.matchesPadded(bytes, int(std::strlen(v)), west.table()),
+                      pattern.matches(bytes, trimmed, west.table()))
+                << "'" << v << "' against '" << p << "'";
+        }
+}
+
+TEST(FoldedNeedle, FindsWhatTheByteLoopFinds)
+{
+    // Needles of one to five bytes against slices of every length up to 70, so that matches fall
+    // in the sixteen-byte blocks, across their edges and in the tail; with and without folding.
+    static const CaseFold west{CodePage(0)};
+    const CaseFold same = CaseFold::identity();
+    QRandomGenerator rnd(11);
+    const char alphabet[] = "abAB xQq";
+    std::vector<uint8_t> hay(80);
+    for (const CaseFold *fold : {&west, &same}) {
+        for (const char *raw : {"q", "ab", "Ba", "qxA", "abab", "x ab", "aaaaa", "\xe9" "a"}) {
+            const QByteArray needle = fold == &west ? fold->fold(QByteArray(raw)) : QByteArray(raw);
+            const FoldedNeedle prepared(needle, fold->table());
+            for (int length = 0; length <= 70; ++length)
+                for (int round = 0; round < 20; ++round) {
+                    for (int k = 0; k < length; ++k)
+                        hay[size_t(k)] = uint8_t(round % 5 == 0 && k % 23 == 7 ? 0xC9 : alphabet[rnd.bounded(8)]);
+                    EXPECT_EQ(prepared.foundIn(hay.data(), length),
+                              ContainsFolded(hay.data(), length, needle, fold->table()))
+                        << raw << " in " << std::string(reinterpret_cast<const char *>(hay.data()), size_t(length));
+                }
+        }
+    }
 }
 
 class SearchParserTest : public ::testing::Test {
