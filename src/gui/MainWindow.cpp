@@ -6,11 +6,15 @@
 #include "entry/PageClock.h"
 #include "formula/DateNumber.h"
 #include "formula/FieldFormat.h"
+#include "gui/Form1.h"
 #include "gui/Form2Host.h"
+#include "gui/Form3.h"
 #include "gui/Form6.h"
+#include "gui/Form7.h"
 #include "gui/PageBinder.h"
 #include "gui/PageCanvas.h"
 #include "gui/Passit.h"
+#include "search/SearchNames.h"
 #include "store/Database.h"
 #include "toolkit/Calculator.h"
 #include "toolkit/Clc.h"
@@ -84,6 +88,16 @@ MainWindow::MainWindow(AppPaths paths, DesignLoad load, QWidget *parent)
     host_->endNow = [this] {
         endingNow_ = true;
         close();
+    };
+    // A page button's search line: a results window of its own, without the final message.
+    host_->searchLine = [this](const QString &line) {
+        Form3::Request request;
+        request.line = line;
+        request.silent = true;
+        const EntryState &state = entry_->state();
+        request.focus = SearchNames(design(), db_->store().layout())
+                            .describe(static_cast<SearchKind>(int(state.focusKind)), state.focusIndex);
+        Form3::start(*this, request);
     };
 
     db_->start();
@@ -180,6 +194,7 @@ void MainWindow::buildToolbar()
     connect(Newbut, &QToolButton::clicked, this, [this] { host_->newRecord(); });
     bar->addSeparator();
     bar->addWidget(Newbut);
+    buildSearchCommands(bar);
 
     Image8 = new QToolButton(bar);
     Image8->setIcon(st->standardIcon(QStyle::SP_CommandLink));
@@ -269,6 +284,60 @@ void MainWindow::buildPage()
            qMin(page.height() + tabs_->sizeHint().height() + statusBar()->sizeHint().height() + 70, 1000));
 }
 
+void MainWindow::buildSearchCommands(QToolBar *bar)
+{
+    const Design &d = design();
+    auto *menu = menuBar()->addMenu(tr("&Search"));
+    const QString captions[4] = {d.CaptionRun[7].isEmpty() ? tr("&Search...") : d.CaptionRun[7],
+                                 d.CaptionRun[8].isEmpty() ? tr("Sort &up") : d.CaptionRun[8],
+                                 d.CaptionRun[20].isEmpty() ? tr("Sort &down") : d.CaptionRun[20],
+                                 d.Finden3Caption};
+    for (int i = 0; i < 4; ++i) {
+        FindenLab[size_t(i)] = menu->addAction(captions[i], this, [this, i] { Finden(i); });
+        FindenLab[size_t(i)]->setToolTip(tipOf(captions[i]));
+    }
+    FindenLab[0]->setShortcut(QKeySequence::Find);
+    FindenLab[0]->setIcon(style()->standardIcon(QStyle::SP_FileDialogContentsView));
+    FindenLab[1]->setIcon(style()->standardIcon(QStyle::SP_ArrowUp));
+    FindenLab[2]->setIcon(style()->standardIcon(QStyle::SP_ArrowDown));
+    // Without a caption there is no find-and-replace command.
+    FindenLab[3]->setVisible(!d.Finden3Caption.isEmpty());
+
+    Image3 = new QToolButton(bar);
+    Image3->setDefaultAction(FindenLab[0]);
+    Image3->setToolTip(tipOf(d.CaptionRun[14]));
+    Image3->setAccessibleName(tr("Search"));
+    bar->addSeparator();
+    QAction *item = bar->addWidget(Image3);
+    item->setVisible(!d.CaptionRun[14].isEmpty());
+    for (int i = 1; i <= 2; ++i) {
+        auto *b = new QToolButton(bar);
+        b->setDefaultAction(FindenLab[size_t(i)]);
+        bar->addWidget(b);
+    }
+}
+
+void MainWindow::Finden(int command)
+{
+    switch (command) {
+    case 0:
+        if (!form1_)
+            form1_ = new Form1(*this);
+        form1_->open();
+        break;
+    case 1:
+    case 2: Form7::sortByFocusedField(*this, command); break;
+    case 3:
+        if (!FindenLab[3]->isVisible())
+            return;
+        if (!form7_)
+            form7_ = new Form7(*this);
+        form7_->open();
+        break;
+    default: break;
+    }
+}
+
 void MainWindow::setTabOrder()
 {
     // Focus order by the design's order numbers; for equal numbers fields come first, then check
@@ -312,6 +381,7 @@ void MainWindow::openData(int mode)
     binder_->refreshAll();
     const bool writable = db_->store().writingAllowed();
     Newbut->setEnabled(writable);
+    FindenLab[3]->setVisible(writable && !design().Finden3Caption.isEmpty());
     if (design().AutoRunButton == 1 && !design().Buttons.empty()) {
         db_->store().RecordDirty = false;
         actions_->buttonPressed(0);

@@ -11,11 +11,13 @@
 #include <QMainWindow>
 #include <memory>
 
+class QAction;
 class QLabel;
 class QLineEdit;
 class QScrollArea;
 class QTabBar;
 class QTimer;
+class QToolBar;
 class QToolButton;
 
 namespace ff {
@@ -28,7 +30,9 @@ class PageActions;
 
 namespace ff::gui {
 
+class Form1;
 class Form2Host;
+class Form7;
 class PageBinder;
 class PageCanvas;
 class RelayHost;
@@ -49,6 +53,14 @@ public:
     QToolButton *navigationButton(int i) const { return Command2[size_t(i)]; }
     QToolButton *newButton() const { return Newbut; }
     QString statusText() const;
+    FormulaContext &context() { return context_; }
+
+    // The find commands: 0 the search window, 1 sort up, 2 sort down, 3 find and replace.
+    void Finden(int command);
+    Form1 *searchWindow() const { return form1_; }
+    Form7 *replaceWindow() const { return form7_; }
+    QAction *findenAction(int command) const { return FindenLab[size_t(command)]; }
+    QToolButton *searchButton() const { return Image3; }
     // False when the login was refused: the program ends without showing the window.
     bool started() const { return !loginRefused_; }
 
@@ -71,6 +83,7 @@ private:
     void showAction(const FieldAction &action);
     void pickDate(int field);
     void updateClock();
+    void buildSearchCommands(QToolBar *bar);
 
     AppPaths paths_;
     Error loadError_;
@@ -93,6 +106,10 @@ private:
     QLineEdit *Text1 = nullptr;
     QTimer *Timer1 = nullptr; // the stop watch
     QTimer *Timer2 = nullptr; // the clock
+    QToolButton *Image3 = nullptr; // the search window's icon
+    std::array<QAction *, 4> FindenLab{};
+    Form1 *form1_ = nullptr;
+    Form7 *form7_ = nullptr;
     bool endingNow_ = false;
     bool loginRefused_ = false;
 };

@@ -1,0 +1,291 @@
+#include "gui/Form3.h"
+
+#include "gui/Form2Host.h"
+#include "gui/MainWindow.h"
+#include "gui/Twips.h"
+#include "store/Database.h"
+#include "toolkit/Form4.h"
+#include "toolkit/ListPlus.h"
+#include "toolkit/Msgbox8.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QVBoxLayout>
+
+namespace ff::gui {
+
+bool Form3::AbortFlag = false;
+int Form3::ProgressStep = 2048;
+int Form3::WindowCount = 0;
+
+namespace {
+
+// The wait window and the results windows' own stop buttons, as one stop for the engine.
+class StopProgress : public Progress {
+public:
+    explicit StopProgress(toolkit::Form4 &wait) : wait_(wait) {}
+    void setPercent(int percent) override { wait_.setPercent(percent); }
+    bool cancelled() override
+    {
+        if (wait_.cancelled())
+            Form3::AbortFlag = true;
+        return Form3::AbortFlag;
+    }
+
+private:
+    toolkit::Form4 &wait_;
+};
+
+// The final word of sum, count and replace in the program's message box.
+class MessageHost : public SearchHost {
+public:
+    explicit MessageHost(QWidget *parent) : parent_(parent) {}
+    void ShowMessage(const QString &caption, const QString &text) override
+    {
+        toolkit::ShowMessage(parent_, caption, text);
+    }
+
+private:
+    QWidget *parent_;
+};
+
+// The list's sort kind of a column: money and numbers with decimals as currency, dates as dates,
+// whole numbers as such, everything else as text.
+int columnKind(const SearchField &f)
+{
+    switch (f.value) {
+    case ValueKind::Float:
+    case ValueKind::NumberText: return 2;
+    case ValueKind::Whole: return 4;
+    case ValueKind::Currency: return (f.format >= 6 && f.format <= 9) ? 3 : 2;
+    case ValueKind::DateText: return 3;
+    default: return 1;
+    }
+}
+
+} // namespace
+
+QString Form3::fieldCaption(const Design &d, const SearchField &f)
+{
+    auto pick = [](const QString &tip, const QString &tag, const QString &fallback) {
+        if (!tip.trimmed().isEmpty())
+            return tip.trimmed();
+        if (!tag.trimmed().isEmpty())
+            return tag.trimmed();
+        return fallback;
+    };
+    const size_t i = size_t(f.index);
+    switch (f.kind) {
+    case SearchKind::Field:
+        if (i < d.Fields.size())
+            return pick(d.Fields[i].ToolTip, d.Fields[i].Tag, QStringLiteral("F%1").arg(f.index));
+        break;
+    case SearchKind::Combo:
+        if (i < d.Combos.size())
+            return pick(d.Combos[i].ToolTip, d.Combos[i].Tag, QStringLiteral("C%1").arg(f.index));
+        break;
+    case SearchKind::Check:
+        if (i < d.Checks.size())
+            return pick(d.Checks[i].ToolTip, d.Checks[i].Tag, QStringLiteral("K%1").arg(f.index));
+        break;
+    case SearchKind::Note:
+        if (i < d.Notes.size())
+            return pick(d.Notes[i].ToolTip, d.Notes[i].Tag, QStringLiteral("M%1").arg(f.index));
+        break;
+    case SearchKind::Picture:
+        return QStringLiteral("P%1").arg(f.index);
+    case SearchKind::None:
+        break;
+    }
+    return QString();
+}
+
+Form3 *Form3::start(MainWindow &main, const Request &request)
+{
+    auto *w = new Form3(main, request);
+    w->runSearch(request.line, false);
+    const CommandKind kind = w->result_.command;
+    if (!w->result_.ran || (kind != CommandKind::Select && kind != CommandKind::Find)) {
+        w->deleteLater();
+        return nullptr;
+    }
+    w->show();
+    w->raise();
+    return w;
+}
+
+Form3::Form3(MainWindow &main, Request request)
+    : QWidget(&main, Qt::Window), main_(main), request_(std::move(request)), SearchLabel(new QLabel(this)),
+      Text1(new QLineEdit(this)), Command1(new QPushButton(tr("Stop"), this)), ExitNow(new QPushButton(tr("Close"), this)),
+      ExportButtton(new QPushButton(tr("Export..."), this)), Printreport(new QPushButton(tr("Report..."), this)),
+      Image2(new QPushButton(tr("Print..."), this)), List1(new toolkit::ListPlus(this)), wait_(new toolkit::Form4(&main))
+{
+    setAttribute(Qt::WA_DeleteOnClose);
+    const QString title = main.database().MainCaption.isEmpty() ? main.design().MainCap : main.database().MainCaption;
+    setWindowTitle(title.isEmpty() ? tr("Results") : tr("%1 - Results").arg(title));
+
+    SearchLabel->setAccessibleName(tr("Search result"));
+    SearchLabel->setWordWrap(true);
+    Text1->setPlaceholderText(tr("Search among these results..."));
+    Text1->setAccessibleName(tr("Search among these results"));
+    Text1->setClearButtonEnabled(true);
+    connect(Text1, &QLineEdit::returnPressed, this, [this] {
+        if (!Text1->text().trimmed().isEmpty() && !running_)
+            runSearch(Text1->text(), true);
+    });
+    Command1->setToolTip(tr("Stops the search under way; what was found stays listed"));
+    connect(Command1, &QPushButton::clicked, this, [] { AbortFlag = true; });
+    connect(ExitNow, &QPushButton::clicked, this, [this] {
+        AbortFlag = true;
+        close();
+    });
+    // Printing the list, its reports and its export come with those features.
+    ExportButtton->setVisible(false);
+    Printreport->setVisible(false);
+    Image2->setVisible(false);
+
+    auto *top = new QHBoxLayout;
+    top->addWidget(Text1, 1);
+    top->addWidget(Command1);
+    top->addWidget(Image2);
+    top->addWidget(Printreport);
+    top->addWidget(ExportButtton);
+    top->addWidget(ExitNow);
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(SearchLabel);
+    layout->addLayout(top);
+    layout->addWidget(List1, 1);
+
+    connect(List1, &toolkit::ListPlus::rowChosen, this, [this](int32_t record, int) { showRecord(record); });
+
+    // Each window one step (200 twips) lower and further right than the last.
+    ++WindowCount;
+    const int step = toPixels(200, twipsPerPixel(&main));
+    const int k = (WindowCount - 1) % 12;
+    QPoint at = main.geometry().topLeft() + QPoint(40 + k * step, 60 + k * step);
+    if (const QScreen *screen = main.screen()) {
+        const QRect avail = screen->availableGeometry();
+        at.setX(qBound(avail.left(), at.x(), qMax(avail.left(), avail.right() - 700)));
+        at.setY(qBound(avail.top(), at.y(), qMax(avail.top(), avail.bottom() - 420)));
+    }
+    resize(700, 420);
+    move(at);
+}
+
+Form3::~Form3()
+{
+    delete wait_;
+}
+
+QString Form3::searchLabelText() const { return SearchLabel->text(); }
+
+QStringList Form3::captions() const
+{
+    QStringList out;
+    for (int c = 1; c <= result_.columnCount; ++c)
+        out << List1->buttonCaption(c);
+    return out;
+}
+
+void Form3::runSearch(const QString &line, bool withinHits)
+{
+    Database &db = main_.database();
+    RecordStore &store = db.store();
+    // The walk reads the stored records: the one on the page is saved first.
+    store.SaveIfDirty();
+    if (!withinHits && store.SortMode == 3)
+        store.SortMode = 0;
+
+    SearchEngine engine(store, db.DecimalSeparator, main_.context().locale);
+    const CompiledQuery query = engine.compile(line, request_.matchCase, request_.focus);
+
+    const QVector<int> previous = result_.hits;
+    SearchOptions options;
+    options.forward = request_.forward;
+    options.matchCase = request_.matchCase;
+    options.silent = request_.silent;
+    options.progressStep = ProgressStep;
+    if (withinHits)
+        options.within = &previous;
+    else if (store.SortMode == 1 || store.SortMode == 2) {
+        options.sortIndex = &store.SortIndex;
+        options.sortMode = store.SortMode;
+    }
+    // The silent flag is read once, by the search it came with.
+    request_.silent = false;
+
+    AbortFlag = false;
+    running_ = true;
+    Command1->setEnabled(true);
+    StopProgress progress(*wait_);
+    options.progress = &progress;
+    wait_->begin();
+    MessageHost host(&main_);
+    SearchResult r = engine.run(query, options, &host, &main_.context());
+    wait_->end();
+    running_ = false;
+    Command1->setEnabled(false);
+
+    if (r.command == CommandKind::Replace && r.Replacements > 0 && !store.RecordDirty) {
+        // The record on the page may be one of those changed.
+        store.UnpackRecord();
+        main_.host().recordShown();
+    }
+    if (withinHits && r.command != CommandKind::Select && r.command != CommandKind::Find)
+        return; // a total over the hits leaves the list as it is
+    result_ = std::move(r);
+    if (result_.command == CommandKind::Select || result_.command == CommandKind::Find)
+        showResult();
+}
+
+void Form3::setUpColumns()
+{
+    const Design &d = main_.design();
+    const double tpp = twipsPerPixel(this);
+    List1->NameButton(0, tr("No."));
+    List1->setColumnWidthPx(0, 70);
+    for (int c = 1; c <= toolkit::ListSort::kColumns; ++c) {
+        if (c <= result_.columnCount) {
+            const SearchField &f = result_.columns[size_t(c - 1)];
+            List1->NameButton(c, fieldCaption(d, f));
+            List1->ASearchTypes(c, columnKind(f));
+            // The width of the field on the page, within reason.
+            double twips = 1500;
+            const size_t i = size_t(f.index);
+            if (f.kind == SearchKind::Field && i < d.Fields.size())
+                twips = d.Fields[i].Width;
+            else if (f.kind == SearchKind::Combo && i < d.Combos.size())
+                twips = d.Combos[i].Width;
+            else if (f.kind == SearchKind::Note && i < d.Notes.size())
+                twips = d.Notes[i].Width;
+            else if (f.kind == SearchKind::Check)
+                twips = 900;
+            List1->setColumnWidthPx(c, qBound(50, toPixels(twips, tpp), 320));
+        } else {
+            List1->NameButton(c, QString());
+        }
+    }
+}
+
+void Form3::showResult()
+{
+    setUpColumns();
+    List1->AddArray(result_.rows);
+    SearchLabel->setText(QString::number(result_.rows.size()) + QStringLiteral(" : ") + main_.context().SearchLine);
+    if (result_.aborted)
+        SearchLabel->setText(SearchLabel->text() + tr("  (stopped)"));
+}
+
+void Form3::showRecord(int32_t record)
+{
+    RecordStore &store = main_.database().store();
+    if (record == store.CurrentRecord || record < 1 || record > store.RecordCount)
+        return;
+    store.JumpToRecord(record);
+    main_.host().recordShown();
+}
+
+} // namespace ff::gui

@@ -1,0 +1,87 @@
+#pragma once
+// The results window: one per search. It runs its search line while it is made (with the wait
+// window, whose stop keeps what was found), then lists the hits of a select or a plain find in a
+// sortable list whose column captions are the labels of the listed fields. A click on a row shows
+// that record in the main window. Sum, count and replace end with their message (none for a page
+// button's silent line) and list nothing. A line typed into the window's own box searches again
+// among its hits. Each window stands a little lower and further right than the one before.
+
+#include "search/SearchEngine.h"
+
+#include <QWidget>
+
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+namespace ff::toolkit {
+class Form4;
+class ListPlus;
+} // namespace ff::toolkit
+
+namespace ff::gui {
+
+class MainWindow;
+
+class Form3 : public QWidget {
+    Q_OBJECT
+public:
+    struct Request {
+        QString line;
+        bool forward = false;
+        bool matchCase = false;
+        bool silent = false;   // a page button's line: no message
+        SearchField focus;     // the field of a plain find
+    };
+
+    // Makes a results window for `request` and runs it. A select or a find shows the window and
+    // returns it; sum, count, replace and a line with nothing to do close it and return null.
+    static Form3 *start(MainWindow &main, const Request &request);
+
+    Form3(MainWindow &main, Request request);
+    ~Form3() override;
+
+    // Runs `line` over all records, or over this window's hits when `withinHits`.
+    void runSearch(const QString &line, bool withinHits);
+
+    const SearchResult &result() const { return result_; }
+    toolkit::ListPlus *list() const { return List1; }
+    QString searchLabelText() const;
+    QLineEdit *lineBox() const { return Text1; }
+    QPushButton *stopButton() const { return Command1; }
+    QPushButton *exitButton() const { return ExitNow; }
+    // The columns listed, for the captions (result().columns holds the fields).
+    QStringList captions() const;
+
+    // Shared by all results windows: stop in one stops the search under way.
+    static bool AbortFlag;
+    // Records between two looks at the stop buttons.
+    static int ProgressStep;
+    // Results windows made in this run; each stands one step further along.
+    static int WindowCount;
+
+    // The caption of a field's column: its tool tip (the label the designer gave it), else its
+    // name, else its kind and number.
+    static QString fieldCaption(const Design &design, const SearchField &field);
+
+private:
+    void setUpColumns();
+    void showRecord(int32_t record);
+    void showResult();
+
+    MainWindow &main_;
+    Request request_;
+    SearchResult result_;
+    QLabel *SearchLabel;
+    QLineEdit *Text1;
+    QPushButton *Command1; // stop
+    QPushButton *ExitNow;
+    QPushButton *ExportButtton;
+    QPushButton *Printreport;
+    QPushButton *Image2;
+    toolkit::ListPlus *List1;
+    toolkit::Form4 *wait_;
+    bool running_ = false;
+};
+
+} // namespace ff::gui
