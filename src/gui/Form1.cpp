@@ -51,7 +51,9 @@ Form1::Form1(MainWindow &main)
     Text1->setAccessibleName(tr("Search line"));
     Text1->setToolTip(tr("A text to find in the field, or a command: SELECT, SUM, COUNT, REPLACE"));
     connect(Text1, &QComboBox::editTextChanged, this, &Form1::lineChanged);
-    connect(Text1->lineEdit(), &QLineEdit::returnPressed, this, &Form1::startSearch);
+    // Enter is taken before the line edit sees it: an editable combo hands an unused Return back
+    // to its line edit, which would start the search a second time.
+    Text1->lineEdit()->installEventFilter(this);
 
     CommLines->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     CommLines->setAccessibleName(tr("Store or remove the search line"));
@@ -59,7 +61,7 @@ Form1::Form1(MainWindow &main)
 
     Fw->setAccessibleName(tr("Forward"));
     Check1->setAccessibleName(tr("Match case"));
-    Comman2->setDefault(true);
+    Comman2->setAutoDefault(false);
     connect(Comman2, &QPushButton::clicked, this, &Form1::startSearch);
 
     QFont bold = CurCat->font();
@@ -84,6 +86,18 @@ Form1::Form1(MainWindow &main)
     layout->addWidget(CommLines, 0, Qt::AlignRight);
     layout->addLayout(options);
     lineChanged(QString());
+}
+
+bool Form1::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == Text1->lineEdit() && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            startSearch();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 QString Form1::applicationKey() const

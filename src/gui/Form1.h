@@ -49,6 +49,9 @@ public:
     // The results window of the last search started here (null when it listed nothing).
     Form3 *lastResults() const { return lastResults_; }
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void lineChanged(const QString &text);
     void addSampleLines();

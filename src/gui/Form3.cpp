@@ -109,7 +109,7 @@ Form3 *Form3::start(MainWindow &main, const Request &request)
     w->runSearch(request.line, false);
     const CommandKind kind = w->result_.command;
     if (!w->result_.ran || (kind != CommandKind::Select && kind != CommandKind::Find)) {
-        w->deleteLater();
+        delete w;
         return nullptr;
     }
     w->show();

@@ -1,0 +1,436 @@
+// The search windows as a person uses them over the contacts example with a few typed records:
+// stored search lines, the results window and its row choice, the messages of count, sum and
+// replace, find and replace on one field, the sort commands, a page button's silent line and a
+// stop during a long search.
+
+#include "ExampleImage.h"
+#include "core/SettingsStore.h"
+#include "entry/FieldEntry.h"
+#include "gui/Form1.h"
+#include "gui/Form2Host.h"
+#include "gui/Form3.h"
+#include "gui/Form7.h"
+#include "gui/MainWindow.h"
+#include "gui/PageCanvas.h"
+#include "store/Database.h"
+#include "toolkit/Form4.h"
+#include "toolkit/ListPlus.h"
+#include "toolkit/Msgbox8.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QToolButton>
+#include <QtTest>
+
+using namespace ff;
+
+namespace {
+
+// The contacts design with names for its fields, a find-and-replace caption and a page button
+// whose lines are a select and a count.
+QString writeNamedContacts(const QString &folder)
+{
+    QFile json(fftest::examplePath(QStringLiteral("contacts/contacts.json")));
+    if (!json.open(QIODevice::ReadOnly))
+        qFatal("no contacts example");
+    auto design = DesignJson::fromText(json.readAll());
+    if (!design)
+        qFatal("contacts: %s", qPrintable(design.error().text));
+    Design &d = *design;
+    d.Fields[1].Tag = QStringLiteral("first");
+    d.Fields[2].Tag = QStringLiteral("last");
+    d.Fields[3].Tag = QStringLiteral("company");
+    d.Fields[8].Tag = QStringLiteral("credit");
+    d.Fields[9].Tag = QStringLiteral("visits");
+    d.Finden3Caption = QStringLiteral("Find and &replace");
+    d.Buttons[1].ButtonScript = QStringLiteral("select first last where vip=1\r\ncount vip=1");
+    DesignWriter::Files files;
+    const QDir dir(fftest::examplePath(QStringLiteral("contacts")));
+    for (const QString &file : dir.entryList({QStringLiteral("*.gif")}, QDir::Files)) {
+        QFile f(dir.filePath(file));
+        if (f.open(QIODevice::ReadOnly))
+            files.insert(file, f.readAll());
+    }
+    auto image = DesignWriter::writeImage(d, QByteArray(4096, 'x'), files);
+    if (!image)
+        qFatal("image: %s", qPrintable(image.error().text));
+    const QString path = QDir(folder).filePath(QStringLiteral("contacts.exe"));
+    QFile out(path);
+    if (!out.open(QIODevice::WriteOnly) || out.write(*image) != image->size())
+        qFatal("cannot write the image");
+    return path;
+}
+
+struct Opened {
+    QTemporaryDir dir;
+    std::unique_ptr<gui::MainWindow> window;
+};
+
+QLineEdit *field(gui::MainWindow &w, int i) { return qobject_cast<QLineEdit *>(w.canvas()->fieldWidget(i)); }
+
+void typeInto(gui::MainWindow &w, int i, const QString &keys)
+{
+    field(w, i)->setFocus(Qt::TabFocusReason);
+    QTest::keyClicks(field(w, i), keys);
+    field(w, i == 1 ? 2 : 1)->setFocus(Qt::TabFocusReason);
+}
+
+void typeContact(gui::MainWindow &w, const QString &first, const QString &last, const QString &company,
+                 const QString &credit, const QString &visits, bool vip)
+{
+    typeInto(w, 1, first);
+    typeInto(w, 2, last);
+    typeInto(w, 3, company);
+    typeInto(w, 8, credit);
+    typeInto(w, 9, visits);
+    if (vip)
+        QTest::mouseClick(w.canvas()->checkWidget(1), Qt::LeftButton);
+}
+
+// Records 1 to 3: Ada Lovelace (VIP), Alan Turing, Grace Hopper (VIP).
+std::unique_ptr<Opened> openContacts()
+{
+    auto o = std::make_unique<Opened>();
+    const QString image = writeNamedContacts(o->dir.path());
+    o->window = std::make_unique<gui::MainWindow>(ParseCommandLine(image, {}), fftest::loadImage(image));
+    gui::MainWindow &w = *o->window;
+    w.show();
+    w.activateWindow();
+    if (!QTest::qWaitForWindowActive(&w))
+        qWarning("window not active");
+    typeContact(w, QStringLiteral("Ada"), QStringLiteral("Lovelace"), QStringLiteral("Analytical"), QStringLiteral("100"),
+                QStringLiteral("3"), true);
+    w.newButton()->click();
+    typeContact(w, QStringLiteral("Alan"), QStringLiteral("Turing"), QStringLiteral("Bletchley"), QStringLiteral("250"),
+                QStringLiteral("7"), false);
+    w.newButton()->click();
+    typeContact(w, QStringLiteral("Grace"), QStringLiteral("Hopper"), QStringLiteral("Navy"), QStringLiteral("50"),
+                QStringLiteral("1"), true);
+    w.navigationButton(0)->click(); // saves record 3
+    return o;
+}
+
+// Answers every program message box that comes up: keeps its text and presses OK.
+struct MessageCatcher {
+    QStringList texts;
+    QTimer timer;
+    MessageCatcher()
+    {
+        timer.setInterval(5);
+        QObject::connect(&timer, &QTimer::timeout, [this] {
+            auto *box = qobject_cast<toolkit::Msgbox8 *>(QApplication::activeModalWidget());
+            if (box && box->isVisible()) {
+                texts << box->messageText();
+                box->okButton()->click();
+            }
+        });
+        timer.start();
+    }
+};
+
+gui::Form1 *searchFor(gui::MainWindow &w, const QString &line, bool forward = false)
+{
+    w.findenAction(0)->trigger();
+    gui::Form1 *f = w.searchWindow();
+    f->forwardBox()->setChecked(forward);
+    f->lineBox()->setEditText(line);
+    QTest::keyClick(f->lineBox()->lineEdit(), Qt::Key_Return);
+    return f;
+}
+
+QList<gui::Form3 *> resultWindows(gui::MainWindow &w) { return w.findChildren<gui::Form3 *>(); }
+
+QString recordText(gui::MainWindow &w, int record, int fieldIndex)
+{
+    w.database().store().JumpToRecord(record);
+    w.host().recordShown();
+    return field(w, fieldIndex)->text();
+}
+
+} // namespace
+
+class SearchWindowsTest : public QObject {
+    Q_OBJECT
+    QTemporaryDir settings_;
+
+private Q_SLOTS:
+    void initTestCase() { SettingsStore::setFolder(settings_.path()); }
+
+    void settingsKeepTextsAndIgnoreCase()
+    {
+        const QString value = QStringLiteral("{select a, b where c='x y'}{sum \"q\"}");
+        SettingsStore::SaveSetting(QStringLiteral("My App"), QStringLiteral("Settings"), QStringLiteral("SQLcommands"), value);
+        QCOMPARE(SettingsStore::GetSetting(QStringLiteral("My App"), QStringLiteral("SETTINGS"), QStringLiteral("sqlcommands")),
+                 value);
+        QCOMPARE(SettingsStore::GetSetting(QStringLiteral("My App"), QStringLiteral("Settings"), QStringLiteral("none"),
+                                           QStringLiteral("dflt")),
+                 QStringLiteral("dflt"));
+        // Another application has its own file; a name with a slash stays inside the folder.
+        QVERIFY(SettingsStore::GetSetting(QStringLiteral("Other"), QStringLiteral("Settings"), QStringLiteral("SQLcommands")).isEmpty());
+        SettingsStore::SaveSetting(QStringLiteral("../up"), QStringLiteral("a/b"), QStringLiteral("k"), QStringLiteral("v"));
+        QCOMPARE(SettingsStore::GetSetting(QStringLiteral("../up"), QStringLiteral("a/b"), QStringLiteral("K")), QStringLiteral("v"));
+        QVERIFY(QFileInfo(SettingsStore::filePath(QStringLiteral("../up"))).absolutePath() == QDir(settings_.path()).absolutePath());
+
+        QCOMPARE(gui::Form1::storedLines(QString()), QStringList());
+        QCOMPARE(gui::Form1::storedLines(QStringLiteral("{a}{b c}")), (QStringList{"a", "b c"}));
+        // Nothing is escaped: a "}" inside a line cuts it in two when it is read again.
+        QCOMPARE(gui::Form1::storedLines(QStringLiteral("{x}y}{z}")), (QStringList{"x", "y", "z"}));
+    }
+
+    void storeAndRemoveLines()
+    {
+        auto o = openContacts();
+        gui::MainWindow &w = *o->window;
+        w.findenAction(0)->trigger();
+        gui::Form1 *f = w.searchWindow();
+        QVERIFY(f && f->isVisible());
+        const QString app = f->applicationKey();
+        const QString line = QStringLiteral("select first where visits>2");
+        f->lineBox()->setEditText(line);
+        QCOMPARE(f->commLinesText(), QStringLiteral("Store search line..."));
+        f->storeOrRemoveLine();
+        QCOMPARE(f->commLinesText(), QStringLiteral("Remove search line..."));
+        QCOMPARE(SettingsStore::GetSetting(app, QStringLiteral("Settings"), QStringLiteral("SQLcommands")), "{" + line + "}");
+        f->lineBox()->setEditText(QStringLiteral("count vip=1"));
+        f->storeOrRemoveLine();
+        // Reopened, the stored lines come first in the list, in the order of storing.
+        f->hide();
+        w.findenAction(0)->trigger();
+        QCOMPARE(f->lineBox()->itemText(0), line);
+        QCOMPARE(f->lineBox()->itemText(1), QStringLiteral("count vip=1"));
+        // The samples are built from the page's names.
+        bool sampleSum = false;
+        for (int i = 0; i < f->lineBox()->count(); ++i)
+            sampleSum = sampleSum || f->lineBox()->itemText(i) == QStringLiteral("SUM credit");
+        QVERIFY(sampleSum);
+        f->lineBox()->setEditText(line);
+        QCOMPARE(f->commLinesText(), QStringLiteral("Remove search line..."));
+        f->storeOrRemoveLine();
+        QCOMPARE(f->commLinesText(), QStringLiteral("Store search line..."));
+        QCOMPARE(SettingsStore::GetSetting(app, QStringLiteral("Settings"), QStringLiteral("SQLcommands")),
+                 QStringLiteral("{count vip=1}"));
+        QCOMPARE(f->lineBox()->findText(line), -1);
+        // An empty line neither stores nor starts anything.
+        f->lineBox()->setEditText(QString());
+        f->storeOrRemoveLine();
+        f->startSearch();
+        QVERIFY(resultWindows(w).isEmpty());
+        QCOMPARE(SettingsStore::GetSetting(app, QStringLiteral("Settings"), QStringLiteral("SQLcommands")),
+                 QStringLiteral("{count vip=1}"));
+    }
+
+    void selectListsHitsAndRowsShowRecords()
+    {
+        auto o = openContacts();
+        gui::MainWindow &w = *o->window;
+        gui::Form1 *f = searchFor(w, QStringLiteral("select first last credit where vip=1"));
+        QVERIFY(!f->isVisible()); // hidden when the search starts
+        gui::Form3 *r = f->lastResults();
+
+        QVERIFY(r && r->isVisible());
+        QCOMPARE(r->result().rows, (QStringList{"3~Grace~Hopper~50.00", "1~Ada~Lovelace~100.00"})); // newest first
+        QCOMPARE(r->captions(), (QStringList{"First name", "Last name", "Credit limit"}));
+        QCOMPARE(r->searchLabelText(), QStringLiteral("2 : select first last credit where vip=1"));
+        QCOMPARE(r->list()->rowCount(), 2);
+
+        // A row click shows its record; the window stays open.
+        QCOMPARE(w.database().store().CurrentRecord, 1);
+        QTableView *view = r->list()->view();
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(view->model()->index(0, 1)).center());
+        QCOMPARE(w.database().store().CurrentRecord, 3);
+        QCOMPARE(field(w, 1)->text(), QStringLiteral("Grace"));
+        QCOMPARE(w.recordBox()->text(), QStringLiteral("3"));
+        QVERIFY(r->isVisible());
+
+        // Forward: oldest first, in a second window that stands further down.
+        gui::Form3 *r2 = searchFor(w, QStringLiteral("select first where credit>=100"), true)->lastResults();
+        QVERIFY(r2 && r2 != r);
+        QCOMPARE(r2->result().hits, (QVector<int>{1, 2}));
+        QVERIFY(r2->pos().y() > r->pos().y());
+        QCOMPARE(resultWindows(w).size(), 2);
+
+        // A search among the hits of a window replaces its rows with those found there.
+        r2->lineBox()->setText(QStringLiteral("select first where vip=1"));
+        QTest::keyClick(r2->lineBox(), Qt::Key_Return);
+        QCOMPARE(r2->result().hits, (QVector<int>{1}));
+
+        // A plain find looks in the field that had the focus.
+        // (The results windows hold the activation: the page's focus rule is called as a focus-in would.)
+        w.entry().fieldGotFocus(2);
+        gui::Form1 *f2 = searchFor(w, QStringLiteral("ing"));
+        QVERIFY(f2->subjectText().contains(QStringLiteral("Last name")));
+        QCOMPARE(f2->lastResults()->result().hits, (QVector<int>{2}));
+
+        // Closing frees the window.
+        QPointer<gui::Form3> gone = r;
+        r->exitButton()->click();
+        QTRY_VERIFY(gone.isNull());
+    }
+
+    void countSumAndReplaceSpeakThroughTheMessageBox()
+    {
+        auto o = openContacts();
+        gui::MainWindow &w = *o->window;
+        MessageCatcher messages;
+        gui::Form1 *f = searchFor(w, QStringLiteral("count vip=1"));
+        QCOMPARE(messages.texts, QStringList{"2 Total"});
+        QCOMPARE(w.context().CountTotal, 2.0);
+        QVERIFY(!f->lastResults()); // nothing to list
+        searchFor(w, QStringLiteral("sum credit"));
+        QCOMPARE(messages.texts.value(1), QStringLiteral("Total: 400          Average: 133.333333333333"));
+        QCOMPARE(w.context().SumTotal, 400.0);
+        searchFor(w, QStringLiteral("replace company=ACME where vip=1"));
+        QCOMPARE(messages.texts.value(2), QStringLiteral("2 Replacements"));
+        QVERIFY(resultWindows(w).isEmpty());
+        QCOMPARE(recordText(w, 3, 3), QStringLiteral("acme")); // the line is lower-cased without match case
+        QCOMPARE(recordText(w, 2, 3), QStringLiteral("Bletchley"));
+        QCOMPARE(recordText(w, 1, 3), QStringLiteral("acme"));
+    }
+
+    void findAndReplaceOnOneField()
+    {
+        auto o = openContacts();
+        gui::MainWindow &w = *o->window;
+        QVERIFY(w.findenAction(3)->isVisible());
+        field(w, 3)->setFocus(Qt::MouseFocusReason);
+        w.findenAction(3)->trigger();
+        gui::Form7 *f = w.replaceWindow();
+        QVERIFY(f && f->isVisible());
+        QVERIFY(f->fieldText().contains(QStringLiteral("Company")));
+
+        // With match case off a text in another case is found but left as it is.
+        f->findBox()->setEditText(QStringLiteral("navy"));
+        f->replaceBox()->setEditText(QStringLiteral("Army"));
+        gui::Form7::Outcome out = f->replaceAll();
+        QCOMPARE(out.found, 1);
+        QCOMPARE(out.changed, 0);
+        // Every occurrence goes, and the record on the page shows the stored text.
+        f->findBox()->setEditText(QStringLiteral("e"));
+        f->replaceBox()->setEditText(QStringLiteral("E"));
+        out = f->replaceAll();
+        QCOMPARE(out.changed, 1); // Bletchley; Analytical and Navy have no "e"
+        QCOMPARE(recordText(w, 2, 3), QStringLiteral("BlEtchlEy"));
+        // A longer result is cut at the field's length.
+        const int length = f->field().length;
+        f->findBox()->setEditText(QStringLiteral("Navy"));
+        f->replaceBox()->setEditText(QString(length + 5, QLatin1Char('n')));
+        out = f->replaceAll();
+        QCOMPARE(out.changed, 1);
+        QCOMPARE(recordText(w, 3, 3).size(), length);
+        // An empty new text does nothing at all.
+        f->findBox()->setEditText(QStringLiteral("Analytical"));
+        f->replaceBox()->setEditText(QString());
+        QVERIFY(!f->replaceAll().ran);
+        QCOMPARE(recordText(w, 1, 3), QStringLiteral("Analytical"));
+        QCOMPARE(gui::Form7::replacedText(QStringLiteral("abc abc"), QStringLiteral("ABC"), QStringLiteral("x"), false),
+                 QStringLiteral("abc abc"));
+        QVERIFY(gui::Form7::replacedText(QStringLiteral("abc"), QStringLiteral("ABC"), QStringLiteral("x"), true).isNull());
+    }
+
+    void sortCommandsSetTheBrowseOrder()
+    {
+        auto o = openContacts();
+        gui::MainWindow &w = *o->window;
+        RecordStore &s = w.database().store();
+        QCOMPARE(w.findenAction(1)->text(), QStringLiteral("Sort up"));
+        QCOMPARE(w.findenAction(2)->text(), QStringLiteral("Sort down"));
+        field(w, 8)->setFocus(Qt::MouseFocusReason); // credit: 100, 250, 50
+        w.findenAction(1)->trigger();
+        QCOMPARE(s.SortMode, 1);
+        QVector<int> seen;
+        w.navigationButton(0)->click();
+        seen << s.CurrentRecord;
+        for (int k = 0; k < 2; ++k) {
+            w.navigationButton(3)->click();
+            seen << s.CurrentRecord;
+        }
+        QCOMPARE(seen, (QVector<int>{3, 1, 2}));
+        QCOMPARE(field(w, 8)->text(), QStringLiteral("250.00"));
+
+        field(w, 2)->setFocus(Qt::MouseFocusReason); // last names, from the end
+        w.findenAction(2)->trigger();
+        QCOMPARE(s.SortMode, 2);
+        seen.clear();
+        w.navigationButton(0)->click();
+        seen << s.CurrentRecord;
+        w.navigationButton(3)->click();
+        seen << s.CurrentRecord;
+        w.navigationButton(3)->click();
+        seen << s.CurrentRecord;
+        QCOMPARE(seen, (QVector<int>{2, 1, 3})); // Turing, Lovelace, Hopper
+    }
+
+    void pageButtonLineOpensASilentResultsWindow()
+    {
+        auto o = openContacts();
+        gui::MainWindow &w = *o->window;
+        MessageCatcher messages;
+        QVERIFY(resultWindows(w).isEmpty());
+        auto *button = qobject_cast<QAbstractButton *>(w.canvas()->buttonWidget(1));
+        QVERIFY(button);
+        button->click();
+        const QList<gui::Form3 *> windows = resultWindows(w);
+        QCOMPARE(windows.size(), 1);
+        QCOMPARE(windows.first()->result().hits, (QVector<int>{3, 1}));
+        QVERIFY(windows.first()->isVisible());
+        // The count line ran too, without its message.
+        QCOMPARE(w.context().CountTotal, 2.0);
+        QTest::qWait(30);
+        QVERIFY(messages.texts.isEmpty());
+        // From the search window, the same count speaks.
+        searchFor(w, QStringLiteral("count vip=1"));
+        QCOMPARE(messages.texts, QStringList{"2 Total"});
+    }
+
+    void stopKeepsWhatWasFound()
+    {
+        auto o = openContacts();
+        gui::MainWindow &w = *o->window;
+        RecordStore &s = w.database().store();
+        // Many copies of record 1, written straight into the file.
+        auto plain = s.readPlainRecord(1);
+        QVERIFY(plain.ok());
+        QByteArray stored = *plain;
+        const int total = 4000;
+        for (int n = 4; n <= total; ++n)
+            QVERIFY(s.file().writeRecord(n, stored).ok());
+        QVERIFY(s.refreshCount().ok());
+        QCOMPARE(s.RecordCount, total);
+
+        const int step = gui::Form3::ProgressStep;
+        gui::Form3::ProgressStep = 50;
+        QTimer presser;
+        presser.setInterval(0);
+        bool pressed = false;
+        QObject::connect(&presser, &QTimer::timeout, [&] {
+            for (toolkit::Form4 *wait : w.findChildren<toolkit::Form4 *>()) {
+                const QString p = wait->percentText();
+                if (!pressed && wait->isVisible() && p.endsWith(QLatin1Char('%')) && p != QStringLiteral("0%")) {
+                    wait->stopButton()->click();
+                    pressed = true;
+                }
+            }
+        });
+        presser.start();
+        gui::Form3 *r = searchFor(w, QStringLiteral("select first where vip=1"), true)->lastResults();
+        presser.stop();
+        gui::Form3::ProgressStep = step;
+        QVERIFY(pressed);
+        QVERIFY(r);
+        QVERIFY(r->result().aborted);
+        const int hits = int(r->result().hits.size());
+        QVERIFY2(hits > 0 && hits < total - 1, qPrintable(QString::number(hits)));
+        QCOMPARE(r->result().hits.first(), 1);
+        QCOMPARE(r->list()->rowCount(), hits);
+        QVERIFY(r->searchLabelText().startsWith(QString::number(hits) + QStringLiteral(" : ")));
+    }
+};
+
+QTEST_MAIN(SearchWindowsTest)
+#include "test_search_windows.moc"
