@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QTableView>
 #include <QVBoxLayout>
 
 namespace ff::gui {
@@ -161,17 +162,21 @@ Form3::Form3(MainWindow &main, Request request)
 
     connect(List1, &toolkit::ListPlus::rowChosen, this, [this](int32_t record, int) { showRecord(record); });
 
-    // Each window one step (200 twips) lower and further right than the last.
+    // Each window one step (200 twips) lower and further right than the last; beside the main
+    // window when the screen has room, so that the record a row shows stays in sight.
     ++WindowCount;
     const int step = toPixels(200, twipsPerPixel(&main));
     const int k = (WindowCount - 1) % 12;
-    QPoint at = main.geometry().topLeft() + QPoint(40 + k * step, 60 + k * step);
+    const QRect mainFrame = main.frameGeometry();
+    QPoint at = mainFrame.topLeft() + QPoint(40 + k * step, 60 + k * step);
     if (const QScreen *screen = main.screen()) {
         const QRect avail = screen->availableGeometry();
-        at.setX(qBound(avail.left(), at.x(), qMax(avail.left(), avail.right() - 700)));
+        if (avail.right() - mainFrame.right() >= 500)
+            at = QPoint(mainFrame.right() + 8 + k * step, mainFrame.top() + k * step);
+        at.setX(qBound(avail.left(), at.x(), qMax(avail.left(), avail.right() - 560)));
         at.setY(qBound(avail.top(), at.y(), qMax(avail.top(), avail.bottom() - 420)));
     }
-    resize(700, 420);
+    resize(560, 420);
     move(at);
 }
 
@@ -263,7 +268,7 @@ void Form3::setUpColumns()
                 twips = d.Notes[i].Width;
             else if (f.kind == SearchKind::Check)
                 twips = 900;
-            List1->setColumnWidthPx(c, qBound(50, toPixels(twips, tpp), 320));
+            List1->setColumnWidthPx(c, qBound(50, toPixels(twips, tpp), 180));
         } else {
             List1->NameButton(c, QString());
         }
@@ -273,6 +278,19 @@ void Form3::setUpColumns()
 void Form3::showResult()
 {
     setUpColumns();
+    if (!isVisible()) {
+        // Wide enough for the listed columns, within the screen.
+        int wanted = 70 + 60;
+        for (int c = 1; c <= result_.columnCount; ++c)
+            wanted += List1->view()->columnWidth(c);
+        int width = qBound(420, wanted, 900);
+        if (const QScreen *screen = main_.screen()) {
+            const QRect avail = screen->availableGeometry();
+            width = qMin(width, avail.width());
+            move(qMin(x(), avail.right() - width), y());
+        }
+        resize(width, height());
+    }
     List1->AddArray(result_.rows);
     SearchLabel->setText(QString::number(result_.rows.size()) + QStringLiteral(" : ") + main_.context().SearchLine);
     if (result_.aborted)

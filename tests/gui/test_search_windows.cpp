@@ -239,6 +239,20 @@ private Q_SLOTS:
         QCOMPARE(r->searchLabelText(), QStringLiteral("2 : select first last credit where vip=1"));
         QCOMPARE(r->list()->rowCount(), 2);
 
+        // Under a display, FLATFORM_SCREENSHOT_DIR keeps pictures of the windows for a person to look at.
+        const QString shots = qEnvironmentVariable("FLATFORM_SCREENSHOT_DIR");
+        if (!shots.isEmpty()) {
+            w.findenAction(0)->trigger();
+            QTest::qWait(300);
+            w.searchWindow()->grab().save(QDir(shots).filePath(QStringLiteral("form1.png")));
+            w.searchWindow()->hide();
+            r->raise();
+            r->activateWindow();
+            QTest::qWait(300);
+            r->grab().save(QDir(shots).filePath(QStringLiteral("form3.png")));
+            QGuiApplication::primaryScreen()->grabWindow(0).save(QDir(shots).filePath(QStringLiteral("screen.png")));
+        }
+
         // A row click shows its record; the window stays open.
         QCOMPARE(w.database().store().CurrentRecord, 1);
         QTableView *view = r->list()->view();
