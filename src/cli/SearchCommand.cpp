@@ -1,9 +1,10 @@
-// search IMAGE "LINE" [--data FILE] [--forward] [--match-case] [--field TAG] [--silent]
+// search IMAGE "LINE" [--data FILE] [--forward] [--match-case] [--field TAG] [--silent] [--one-thread]
 //
 // Runs a search line over an app image's data file as the results window would: select and the
 // plain find print their rows ("number~column~..."), sum, count and replace print their message.
 // --field names the element a plain find looks in (a name from the tags, or F1, C1, K0, M1, P1);
-// without it the find looks in field 1, the field that has the focus on start.
+// without it the find looks in field 1, the field that has the focus on start. --one-thread keeps
+// a long walk on one thread (it is split over two otherwise).
 
 #include "cli/Command.h"
 #include "design/AppPaths.h"
@@ -65,7 +66,8 @@ public:
     QString name() const override { return QStringLiteral("search"); }
     QString usage() const override
     {
-        return QStringLiteral("search IMAGE \"LINE\" [--data FILE] [--forward] [--match-case] [--field TAG] [--silent]");
+        return QStringLiteral(
+            "search IMAGE \"LINE\" [--data FILE] [--forward] [--match-case] [--field TAG] [--silent] [--one-thread]");
     }
 
     int run(const QStringList &argsIn, QTextStream &out, QTextStream &err) override
@@ -83,6 +85,9 @@ public:
                 args.remove(i);
             } else if (a == QLatin1String("--match-case")) {
                 options.matchCase = true;
+                args.remove(i);
+            } else if (a == QLatin1String("--one-thread")) {
+                options.twoThreadsFrom = 0;
                 args.remove(i);
             } else if (a == QLatin1String("--silent")) {
                 options.silent = true;

@@ -133,12 +133,10 @@ bool RecordScanner::map(int64_t first, int64_t last)
     return true;
 }
 
-const uint8_t *RecordScanner::record(int64_t record, Access access)
+const uint8_t *RecordScanner::fetch(int64_t record, Access access)
 {
     if (record < 1)
         return nullptr;
-    if (record >= blockFirst_ && record <= blockLast_)
-        return blockData_ + size_t(record - blockFirst_) * size_t(length_);
     if (access == Access::Random) {
         if (!load(record, record, single_.data()))
             return nullptr;

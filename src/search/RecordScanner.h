@@ -32,7 +32,12 @@ public:
     enum class Access { Forward, Backward, Random };
     // The plain bytes of record `record` (RecordLength of them), or null when it cannot be read.
     // A record beyond the end of its part reads as blanks.
-    const uint8_t *record(int64_t record, Access access);
+    const uint8_t *record(int64_t record, Access access)
+    {
+        if (record >= blockFirst_ && record <= blockLast_) // most calls: the present window
+            return blockData_ + size_t(record - blockFirst_) * size_t(length_);
+        return fetch(record, access);
+    }
 
     // Asks the processor to fetch `offset` of `record` when it is in the present window: the walk
     // names the record it will want a few steps ahead.
@@ -59,6 +64,7 @@ private:
         int64_t local; // 1-based slot in the part
     };
     Place place(int64_t record) const;
+    const uint8_t *fetch(int64_t record, Access access);
     int descriptor(int part, bool write);
     bool load(int64_t first, int64_t last, uint8_t *into);
     bool map(int64_t first, int64_t last);

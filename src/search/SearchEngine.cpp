@@ -7,7 +7,12 @@
 #include "search/RecordScanner.h"
 #include "store/RecordStore.h"
 
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <cstring>
+#include <mutex>
+#include <thread>
 #include <vector>
 
 namespace ff {
@@ -91,6 +96,20 @@ struct RowTester {
             return false;
         return compareFixed(v, row.op, row.fixed);
     }
+};
+
+// What one thread's walk over a run of the walk order found.
+struct WalkPart {
+    QVector<int> hits;
+    QStringList rows;
+    int64_t found = 0;
+    int64_t walked = 0;
+    int64_t sumCount = 0;
+    WideFixed sumFixed = 0;
+    double sumFloat = 0;
+    int skippedLocked = 0;
+    int replacements = 0;
+    bool stopped = false; // the stop press ended this part
 };
 
 } // namespace
@@ -186,7 +205,6 @@ SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, S
     const uint8_t *table = fold.table();
     const FieldReader reader(separator_.isEmpty() ? QChar('.') : separator_.at(0), locale_);
     const RowTester tester{reader, table};
-    RecordScanner scanner(file_, recordCount_, design_.ScrambleRecords == 1);
 
     // Which records, in which order.
     const bool useWithin = o.within && !o.within->isEmpty();
@@ -219,118 +237,194 @@ SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, S
     const int prefetchLength = !q.conditions.isEmpty() ? 1
                                : q.findField.valid() && !q.wholeRecord ? q.findField.length : layout_.RecordLength;
 
-    WideFixed sumFixed = 0;
-    double sumFloat = 0;
     const bool canWrite = !readOnly_;
     const int step = std::max(1, o.progressStep);
-    int untilCheck = 0;
 
-    for (int64_t k = 0; k < total; ++k) {
-        if (untilCheck-- <= 0) {
-            untilCheck = step - 1;
-            if (o.progress) {
-                o.progress->setPercent(int(k * 100 / std::max<int64_t>(1, total)));
-                if (o.progress->cancelled()) {
-                    r.aborted = true;
-                    break;
+    // Walks places [begin, end) of the walk order into `part`. `check(k)` runs before place k
+    // and every `step` places after it; false ends the walk there.
+    auto walk = [&](int64_t begin, int64_t end, WalkPart &part, RecordScanner &scanner, auto &&check) {
+        int untilCheck = 0;
+        for (int64_t k = begin; k < end; ++k) {
+            if (untilCheck-- <= 0) {
+                untilCheck = step - 1;
+                if (!check(k)) {
+                    part.stopped = true;
+                    return;
                 }
             }
-        }
-        const int64_t pos = ascending ? k + 1 : total - k;
-        const int64_t number = recordAt(pos);
-        if (access != RecordScanner::Access::Random)
-            scanner.prefetch(ascending ? number + kPrefetchDistance : number - kPrefetchDistance, prefetchOffset,
-                             prefetchLength);
-        if (number < 1 || number > recordCount_)
-            continue;
-        const uint8_t *rec = scanner.record(number, access);
-        if (!rec)
-            continue; // a record that cannot be read ends its test
-        ++r.walked;
+            const int64_t pos = ascending ? k + 1 : total - k;
+            const int64_t number = recordAt(pos);
+            if (access != RecordScanner::Access::Random)
+                scanner.prefetch(ascending ? number + kPrefetchDistance : number - kPrefetchDistance, prefetchOffset,
+                                 prefetchLength);
+            if (number < 1 || number > recordCount_)
+                continue;
+            const uint8_t *rec = scanner.record(number, access);
+            if (!rec)
+                continue; // a record that cannot be read ends its test
+            ++part.walked;
 
-        bool hit = false;
-        switch (q.command) {
-        case CommandKind::Sum:
-            for (const ConditionRow &row : q.conditions) {
-                if (row.op != kOpName && !tester.holds(row, rec))
-                    continue;
-                const SearchField &f = row.field;
-                const uint8_t *p = rec + f.offset;
-                switch (f.value) {
-                case ValueKind::Currency: sumFixed += FieldReader::readInt64(p); break;
-                case ValueKind::Whole: sumFixed += WideFixed(FieldReader::readInt32(p)) * 10000; break;
-                case ValueKind::Float: sumFloat += FieldReader::readDouble(p); break;
-                default: {
+            bool hit = false;
+            switch (q.command) {
+            case CommandKind::Sum:
+                for (const ConditionRow &row : q.conditions) {
+                    if (row.op != kOpName && !tester.holds(row, rec))
+                        continue;
+                    const SearchField &f = row.field;
+                    const uint8_t *p = rec + f.offset;
+                    switch (f.value) {
+                    case ValueKind::Currency: part.sumFixed += FieldReader::readInt64(p); break;
+                    case ValueKind::Whole: part.sumFixed += WideFixed(FieldReader::readInt32(p)) * 10000; break;
+                    case ValueKind::Float: part.sumFloat += FieldReader::readDouble(p); break;
+                    default: {
+                        int64_t v = 0;
+                        if (reader.fixedValue(f, rec, v))
+                            part.sumFixed += v;
+                        break;
+                    }
+                    }
+                    ++part.sumCount;
+                }
+                continue;
+            case CommandKind::Find: {
+                if (q.comparison) {
                     int64_t v = 0;
-                    if (reader.fixedValue(f, rec, v))
-                        sumFixed += v;
+                    if (!reader.fixedValue(q.findField, rec, v))
+                        break;
+                    hit = q.allTerms;
+                    for (const FindTerm &t : q.terms) {
+                        const bool ok = compareFind(v, t);
+                        if (ok != q.allTerms) {
+                            hit = ok;
+                            break;
+                        }
+                    }
                     break;
                 }
-                }
-                ++r.sumCount;
-            }
-            continue;
-        case CommandKind::Find: {
-            if (q.comparison) {
-                int64_t v = 0;
-                if (!reader.fixedValue(q.findField, rec, v))
-                    break;
+                const uint8_t *hay = q.wholeRecord ? rec : rec + q.findField.offset;
+                const int full = q.wholeRecord ? scanner.recordLength() : q.findField.length;
+                // The slice is right-trimmed; that can only matter to a term ending in a blank.
+                const int n = trimForTerms ? FieldReader::trimmedLength(hay, full) : full;
                 hit = q.allTerms;
-                for (const FindTerm &t : q.terms) {
-                    const bool ok = compareFind(v, t);
-                    if (ok != q.allTerms) {
+                for (const FoldedNeedle &needle : needles) {
+                    const bool ok = needle.foundIn(hay, n);
+                    if (ok != q.allTerms) { // the first missing "+" term, or the first "or" term found
                         hit = ok;
                         break;
                     }
                 }
                 break;
             }
-            const uint8_t *hay = q.wholeRecord ? rec : rec + q.findField.offset;
-            const int full = q.wholeRecord ? scanner.recordLength() : q.findField.length;
-            // The slice is right-trimmed; that can only matter to a term ending in a blank.
-            const int n = trimForTerms ? FieldReader::trimmedLength(hay, full) : full;
-            hit = q.allTerms;
-            for (const FoldedNeedle &needle : needles) {
-                const bool ok = needle.foundIn(hay, n);
-                if (ok != q.allTerms) { // the first missing "+" term, or the first "or" term found
-                    hit = ok;
+            default:
+                hit = true;
+                for (const ConditionRow &row : q.conditions)
+                    if (!tester.holds(row, rec)) {
+                        hit = false;
+                        break;
+                    }
+                break;
+            }
+            if (!hit)
+                continue;
+            ++part.found;
+            if (q.command == CommandKind::Count)
+                continue;
+            if (q.command == CommandKind::Replace) {
+                if (!canWrite || q.replacements.isEmpty())
+                    continue;
+                if (scanner.heldByOther(number)) {
+                    ++part.skippedLocked;
+                    continue;
+                }
+                bool written = true;
+                for (const ReplacementRow &row : q.replacements)
+                    written = scanner.write(number, row.field.offset, row.bytes).ok() && written;
+                if (written)
+                    ++part.replacements;
+                continue;
+            }
+            if (part.hits.size() >= o.hitCap)
+                continue; // the row is lost, the walk goes on
+            part.hits.append(int(number));
+            part.rows.append(rowText(int(number), rec, r.columns.data(), r.columnCount));
+        }
+    };
+
+    // Select, the find and count read only, and what they find does not depend on the order the
+    // records are looked at in: a long walk is split into two halves, the second one walked on a
+    // helper thread with its own scanner. The first half's hits come first, so the hits and rows
+    // are those of the one-thread walk, in the same order. Progress and the stop test stay on
+    // this thread; after a stop only a leading run of the walk order counts, as it would alone.
+    const bool readOnlyWalk = q.command == CommandKind::Select || q.command == CommandKind::Find
+                              || q.command == CommandKind::Count;
+    const bool split = readOnlyWalk && o.twoThreadsFrom > 0 && total >= o.twoThreadsFrom
+                       && std::thread::hardware_concurrency() >= 2;
+    auto report = [&](int64_t done) {
+        if (!o.progress)
+            return true;
+        o.progress->setPercent(int(done * 100 / std::max<int64_t>(1, total)));
+        return !o.progress->cancelled();
+    };
+    WalkPart first, second;
+    RecordScanner scanner(file_, recordCount_, design_.ScrambleRecords == 1);
+    if (!split) {
+        walk(0, total, first, scanner, report);
+    } else {
+        const int64_t middle = total / 2;
+        std::atomic<bool> stop{false};
+        std::atomic<int64_t> helperDone{0};
+        std::mutex mutex;
+        std::condition_variable finished;
+        bool helperFinished = false;
+        std::thread helper([&] {
+            RecordScanner own(file_, recordCount_, design_.ScrambleRecords == 1);
+            walk(middle, total, second, own, [&](int64_t k) {
+                helperDone.store(k - middle, std::memory_order_relaxed);
+                return !stop.load(std::memory_order_relaxed);
+            });
+            std::lock_guard<std::mutex> lock(mutex);
+            helperFinished = true;
+            finished.notify_one();
+        });
+        walk(0, middle, first, scanner, [&](int64_t k) {
+            if (report(k + helperDone.load(std::memory_order_relaxed)))
+                return true;
+            stop = true;
+            return false;
+        });
+        // Waiting for the second half, still reporting progress and testing the stop press.
+        if (!first.stopped) {
+            for (;;) {
+                {
+                    std::unique_lock<std::mutex> lock(mutex);
+                    if (finished.wait_for(lock, std::chrono::milliseconds(20), [&] { return helperFinished; }))
+                        break;
+                }
+                if (!report(middle + helperDone.load(std::memory_order_relaxed))) {
+                    stop = true;
                     break;
                 }
             }
-            break;
         }
-        default:
-            hit = true;
-            for (const ConditionRow &row : q.conditions)
-                if (!tester.holds(row, rec)) {
-                    hit = false;
-                    break;
-                }
-            break;
+        helper.join();
+    }
+    r.aborted = first.stopped || second.stopped;
+    r.hits = std::move(first.hits);
+    r.rows = std::move(first.rows);
+    r.found = first.found;
+    r.walked = first.walked;
+    r.sumCount = first.sumCount;
+    r.skippedLocked = first.skippedLocked;
+    r.Replacements = first.replacements;
+    const WideFixed sumFixed = first.sumFixed;
+    const double sumFloat = first.sumFloat;
+    if (split && !first.stopped) { // the first half is whole: the second half's lead follows it
+        r.found += second.found;
+        r.walked += second.walked;
+        for (qsizetype i = 0; i < second.hits.size() && r.hits.size() < o.hitCap; ++i) {
+            r.hits.append(second.hits.at(i));
+            r.rows.append(second.rows.at(i));
         }
-        if (!hit)
-            continue;
-        ++r.found;
-        if (q.command == CommandKind::Count)
-            continue;
-        if (q.command == CommandKind::Replace) {
-            if (!canWrite || q.replacements.isEmpty())
-                continue;
-            if (scanner.heldByOther(number)) {
-                ++r.skippedLocked;
-                continue;
-            }
-            bool written = true;
-            for (const ReplacementRow &row : q.replacements)
-                written = scanner.write(number, row.field.offset, row.bytes).ok() && written;
-            if (written)
-                ++r.Replacements;
-            continue;
-        }
-        if (r.hits.size() >= o.hitCap)
-            continue; // the row is lost, the walk goes on
-        r.hits.append(int(number));
-        r.rows.append(rowText(int(number), rec, r.columns.data(), r.columnCount));
     }
 
     const QString caption = design_.AppTitle;

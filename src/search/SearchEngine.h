@@ -35,6 +35,8 @@ struct SearchOptions {
     bool silent = false;       // a page button's line: no message
     int hitCap = 32000;        // rows kept; the walk goes on past it
     int progressStep = 4096;   // records between two progress reports and stop tests
+    // Select, find and count walks over at least this many records run on two threads (0: never).
+    int64_t twoThreadsFrom = 65536;
     const QVector<int> *within = nullptr; // hits of an earlier search: only those are walked
     const QVector<int> *sortIndex = nullptr; // a browse order (entry 0 unused)
     int sortMode = 0;          // 1: sortIndex in order, 2: read from its end

@@ -1,10 +1,14 @@
 // The walk over a real record file: which records each command finds, sums, counts and changes,
 // the order of the walk, the row texts, the cap, searches on earlier hits, the stop press, the
-// lock rule of replace and scrambled files.
+// lock rule of replace, scrambled files and the walk split over two threads.
 
 #include "search/SearchFixture.h"
 
 #include "formula/FormulaContext.h"
+
+#include <atomic>
+#include <string>
+#include <thread>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -250,6 +254,132 @@ TEST(SearchReadOnly, ReplaceWritesNothingWhenTheStoreMayNotWrite)
     SearchResult r = db.run(QStringLiteral("replace city=Odesa where qty=1"));
     EXPECT_EQ(r.Replacements, 0);
     EXPECT_EQ(db.run(QStringLiteral("count city=kyiv")).CountTotal, 1);
+}
+
+
+// The long walks split over two threads: the same hits, rows and counts as one thread, in the
+// same order, for every kind of walk; a stop keeps a leading run of the walk order.
+class TwoThreadWalkTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        const char *cities[] = {"Berlin", "Paris", "Rome", "Oslo"};
+        for (int k = 1; k <= kRecords; ++k)
+            db.add({QStringLiteral("N%1").arg(k), QString::number(k % 50) + QStringLiteral(".25"), k % 7,
+                    QDate(2020, 1, 1).addDays(k), k * 0.5, "", cities[k % 4], "", k % 2,
+                    k % 9 == 0 ? "has cheese" : "plain"});
+        ASSERT_EQ(db.store.RecordCount, kRecords);
+    }
+    SearchResult run(const char *line, SearchOptions o, bool split)
+    {
+        o.twoThreadsFrom = split ? 2 : 0;
+        return db.run(QString::fromLatin1(line), o);
+    }
+    static constexpr int kRecords = 301; // an odd count: halves of unequal size
+    SearchDb db;
+};
+
+TEST_F(TwoThreadWalkTest, SameHitsRowsAndCountsAsOneThread)
+{
+    const QVector<int> within{5, 300, 17, 18, 150, 151, 2, 299};
+    QVector<int> index{0};
+    for (int k = kRecords; k >= 1; --k)
+        index.append(k % 2 ? k : kRecords + 1 - k); // a scrambled but complete order
+    for (const char *line : {"select name price city where price>=20", "select name where city=ber*", "cheese",
+                             "count paid=1", "select name where qty=3 price<10", "count price>1000"}) {
+        for (int variant = 0; variant < 5; ++variant) {
+            SearchOptions o;
+            o.forward = variant == 1;
+            o.hitCap = variant == 2 ? 40 : variant == 3 ? 200 : 32000; // the cap in the first, in the second half
+            if (variant == 4) {
+                o.within = &within;
+                o.sortIndex = &index; // the earlier hits win over a sort order
+                o.sortMode = 1;
+            }
+            const SearchResult one = run(line, o, false), two = run(line, o, true);
+            SCOPED_TRACE(std::string(line) + ", variant " + std::to_string(variant));
+            EXPECT_FALSE(two.aborted);
+            EXPECT_EQ(two.hits, one.hits);
+            EXPECT_EQ(two.rows, one.rows);
+            EXPECT_EQ(two.found, one.found);
+            EXPECT_EQ(two.walked, one.walked);
+            EXPECT_EQ(two.CountTotal, one.CountTotal);
+            EXPECT_EQ(two.message, one.message);
+        }
+    }
+    SearchOptions sorted;
+    sorted.sortIndex = &index;
+    sorted.sortMode = 2;
+    EXPECT_EQ(run("select name where qty>=0", sorted, true).hits, run("select name where qty>=0", sorted, false).hits);
+    EXPECT_EQ(run("select name where qty>=0", {}, true).hits.size(), kRecords);
+}
+
+struct CountingProgress : Progress {
+    std::atomic<int> calls{0};
+    int stopAt;
+    QVector<int> percents; // touched by one thread only: the one that called run()
+    std::thread::id owner = std::this_thread::get_id();
+    bool otherThread = false;
+    explicit CountingProgress(int n) : stopAt(n) {}
+    void setPercent(int p) override
+    {
+        otherThread = otherThread || std::this_thread::get_id() != owner;
+        percents.append(p);
+    }
+    bool cancelled() override
+    {
+        otherThread = otherThread || std::this_thread::get_id() != owner;
+        return ++calls > stopAt;
+    }
+};
+
+TEST_F(TwoThreadWalkTest, StopAndProgressStayOnTheCallingThread)
+{
+    SearchOptions o;
+    o.progressStep = 1;
+    // A stop in the first half ends the walk where one thread would end it.
+    for (int stopAt : {0, 1, 40, 149}) {
+        CountingProgress a(stopAt), b(stopAt);
+        o.progress = &a;
+        const SearchResult one = run("select name where qty>=0", o, false);
+        o.progress = &b;
+        const SearchResult two = run("select name where qty>=0", o, true);
+        EXPECT_TRUE(one.aborted);
+        EXPECT_TRUE(two.aborted);
+        EXPECT_EQ(two.hits, one.hits) << "stop at " << stopAt;
+        EXPECT_EQ(two.found, one.found);
+        EXPECT_FALSE(b.otherThread);
+    }
+    // A stop while the helper walks the second half: what stands is a leading run of the walk.
+    o.progress = nullptr;
+    const QVector<int> all = run("select name where qty>=0", o, false).hits;
+    CountingProgress late(151);
+    o.progress = &late;
+    const SearchResult r = run("select name where qty>=0", o, true);
+    EXPECT_FALSE(late.otherThread);
+    ASSERT_LE(r.hits.size(), all.size());
+    EXPECT_GE(r.hits.size(), 151); // the whole first half
+    EXPECT_EQ(r.hits, all.mid(0, r.hits.size()));
+    EXPECT_EQ(r.aborted, r.hits.size() < all.size());
+    EXPECT_EQ(r.found, r.hits.size());
+    // The percentages only grow.
+    for (qsizetype i = 1; i < late.percents.size(); ++i)
+        EXPECT_LE(late.percents[i - 1], late.percents[i]);
+}
+
+TEST_F(TwoThreadWalkTest, SumAndReplaceStayOnOneThread)
+{
+    SearchOptions o;
+    o.twoThreadsFrom = 2;
+    // A float total depends on the order of the additions: sum keeps the single walk.
+    EXPECT_EQ(db.run(QStringLiteral("sum amount"), o).message, db.run(QStringLiteral("sum amount")).message);
+    CountingProgress stop(3);
+    o.progress = &stop;
+    o.progressStep = 1;
+    const SearchResult rep = db.run(QStringLiteral("replace city=Lima where qty>=0"), o);
+    EXPECT_TRUE(rep.aborted);
+    EXPECT_EQ(rep.Replacements, 3); // records 301, 300, 299: a leading run, written by one walk
+    EXPECT_EQ(db.run(QStringLiteral("select name where city=lima")).hits, (QVector<int>{301, 300, 299}));
 }
 
 } // namespace
