@@ -24,7 +24,7 @@ public:
     // `blockBytes`: the size of a window read into a buffer; `mapBytes`: of a mapped window. A
     // mapped window costs no memory of its own, and fewer, larger mappings cost less time.
     RecordScanner(const RecordFile &file, int64_t records, bool scrambled, int64_t blockBytes = 4 << 20,
-                  int64_t mapBytes = 16 << 20);
+                  int64_t mapBytes = 8 << 20);
     ~RecordScanner();
     RecordScanner(const RecordScanner &) = delete;
     RecordScanner &operator=(const RecordScanner &) = delete;
