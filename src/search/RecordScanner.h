@@ -2,12 +2,14 @@
 // Reads the records of a file set for the walks of the search and the sort: a window of a few
 // megabytes of whole records when the walk goes through the file in order, one positioned read per
 // record when it jumps (a result list, a sort order). A window of a plain file is mapped from the
-// page cache rather than copied; a scrambled file, or a window that reaches past the end of its
-// part, is read into a buffer and unscrambled there. The records are handed out in place and stay
-// valid until the next call: nothing is copied per record and memory stays at one window whatever
-// the size of the store. Files of a record set only grow, so a mapped window never loses its pages. Record positions follow the record file's
-// reading rule, parts included. The scanner keeps its own descriptors, so that the store's open
-// part and its lock are not disturbed.
+// page cache rather than copied, and its pages are mapped as the walk first touches them (the
+// kernel maps a run of cached pages per fault, cheaper than populating the window up front); a
+// scrambled file, or a window that reaches past the end of its part, is read into a buffer and
+// unscrambled there. The records are handed out in place and stay valid until the next call:
+// nothing is copied per record and memory stays at one window whatever the size of the store.
+// Files of a record set only grow, so a mapped window never loses its pages. Record positions
+// follow the record file's reading rule, parts included. The scanner keeps its own descriptors,
+// so that the store's open part and its lock are not disturbed; a scanner serves one thread.
 
 #include "core/Result.h"
 #include "store/RecordFile.h"

@@ -5,6 +5,8 @@
 // walk goes from the last record down unless the forward flag is set; sum always goes up. It can
 // run over all records, over a sort order or over the hits of an earlier search. The stop press
 // is learned through ff::Progress every `progressStep` records; what was found until then stands.
+// Long select, find and count walks run their second half on a helper thread (see
+// SearchOptions::twoThreadsFrom); the result is that of the one-thread walk.
 
 #include "core/Progress.h"
 #include "design/Design.h"
