@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Search benchmark: flatform-cli against the sqlite3 command line on the same data.
 
-    bench/run.py [--records N] [--repeat K] [--dir DIR] [--build BUILD_DIR] [--regenerate] [--no-settle]
+    bench/run.py [--records N] [--repeat K] [--dir DIR] [--build BUILD_DIR] [--regenerate]
+                 [--no-settle | --small-pages]
 
 Generates N records (1,000,000 by default, 400 bytes each: texts, a float, money, a whole number,
 a date, a combo and a check box; design bench/bench_design.json) once as a Flatform record file,
@@ -11,10 +12,12 @@ processes on both sides: each command once to warm the caches, then K times, and
 median times, the ratios and the peak memory (from /usr/bin/time -v) of one run of each.
 
 Before timing, both the record file and the SQLite file are dropped from the page cache and read
-back in once, whole (--no-settle skips this). Both sides then start from the state a file is in
-after its first read since boot. Without it, the pages of freshly generated files are as the
-generator's writes left them: on kernels that cache files in large folios, written pages may sit
-in small ones, and mapping those costs a walk over memory-mapped records several times as much.
+back in once, whole, in large reads (--no-settle skips this), so that both sides start from the
+same, known cache state: that of a file's first read since boot. The kernel may keep a cached
+file in 4 KB pages or in large folios depending on how it came into the cache, and the state of
+a file left alone drifts; mapping records cached in 4 KB pages costs a walk about twice as much.
+--small-pages reads the files back in 4 KB reads instead, which leaves them in 4 KB pages: the
+slow case, for comparison.
 This is a benchmark, not a test: it checks only that both sides found the same number of rows.
 """
 import argparse
@@ -110,14 +113,21 @@ def sqlite_load(db_path, csv_path):
     subprocess.run(["sqlite3", db_path], input=script.encode(), check=True)
 
 
-def settle(path):
-    """Drops `path` from the page cache and reads it back in once, in large sequential reads."""
+def settle(path, small_pages=False):
+    """Drops `path` from the page cache and reads it back in once: in large sequential reads, or
+    in 4 KB reads without read-ahead, which leaves every page a folio of its own."""
     fd = os.open(path, os.O_RDONLY)
     try:
         os.fsync(fd)  # written pages must be clean before the cache lets them go
         os.posix_fadvise(fd, 0, 0, os.POSIX_FADV_DONTNEED)
-        while os.read(fd, 8 << 20):
-            pass
+        if small_pages:
+            os.posix_fadvise(fd, 0, 0, os.POSIX_FADV_RANDOM)
+            offset = 0
+            while os.pread(fd, 4096, offset):
+                offset += 4096
+        else:
+            while os.read(fd, 8 << 20):
+                pass
     finally:
         os.close(fd)
 
@@ -151,6 +161,7 @@ def main():
     ap.add_argument("--build", default=os.path.join(ROOT, "build-search"))
     ap.add_argument("--regenerate", action="store_true")
     ap.add_argument("--no-settle", action="store_true", help="time the files in whatever cache state they are")
+    ap.add_argument("--small-pages", action="store_true", help="read the files back into 4 KB pages before timing")
     args = ap.parse_args()
 
     cli = os.path.join(args.build, "bin", "flatform-cli")
@@ -171,10 +182,11 @@ def main():
 
     if not args.no_settle:
         t = time.perf_counter()
-        settle(data)
-        settle(db)
-        print("settled the page cache: read %s and %s back in %.1f s" % (
-            os.path.basename(data), os.path.basename(db), time.perf_counter() - t))
+        settle(data, args.small_pages)
+        settle(db, args.small_pages)
+        print("settled the page cache: read %s and %s back in%s in %.1f s" % (
+            os.path.basename(data), os.path.basename(db), " 4 KB pages" if args.small_pages else "",
+            time.perf_counter() - t))
 
     ff = [cli, "search", image, "--data", data]
     sq = ["sqlite3", db]

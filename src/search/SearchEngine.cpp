@@ -350,13 +350,18 @@ SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, S
         }
     };
 
-    // Select, the find and count read only, and what they find does not depend on the order the
-    // records are looked at in: a long walk is split into two halves, the second one walked on a
-    // helper thread with its own scanner. The first half's hits come first, so the hits and rows
+    // Select, the find, count and sum read only, and what they find does not depend on the order
+    // the records are looked at in: a long walk is split into two halves, the second one walked on
+    // a helper thread with its own scanner. The first half's hits come first, so the hits and rows
     // are those of the one-thread walk, in the same order. Progress and the stop test stay on
     // this thread; after a stop only a leading run of the walk order counts, as it would alone.
+    // Totals in fixed point add up alike in any order; a float total does not, so a sum over a
+    // float field keeps the one walk.
+    bool floatSum = false;
+    for (const ConditionRow &row : q.conditions)
+        floatSum = floatSum || row.field.value == ValueKind::Float;
     const bool readOnlyWalk = q.command == CommandKind::Select || q.command == CommandKind::Find
-                              || q.command == CommandKind::Count;
+                              || q.command == CommandKind::Count || (q.command == CommandKind::Sum && !floatSum);
     const bool split = readOnlyWalk && o.twoThreadsFrom > 0 && total >= o.twoThreadsFrom
                        && std::thread::hardware_concurrency() >= 2;
     auto report = [&](int64_t done) {
@@ -416,11 +421,13 @@ SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, S
     r.sumCount = first.sumCount;
     r.skippedLocked = first.skippedLocked;
     r.Replacements = first.replacements;
-    const WideFixed sumFixed = first.sumFixed;
-    const double sumFloat = first.sumFloat;
+    WideFixed sumFixed = first.sumFixed;
+    const double sumFloat = first.sumFloat; // a float sum is never split
     if (split && !first.stopped) { // the first half is whole: the second half's lead follows it
         r.found += second.found;
         r.walked += second.walked;
+        r.sumCount += second.sumCount;
+        sumFixed += second.sumFixed;
         for (qsizetype i = 0; i < second.hits.size() && r.hits.size() < o.hitCap; ++i) {
             r.hits.append(second.hits.at(i));
             r.rows.append(second.rows.at(i));

@@ -5,8 +5,8 @@
 // walk goes from the last record down unless the forward flag is set; sum always goes up. It can
 // run over all records, over a sort order or over the hits of an earlier search. The stop press
 // is learned through ff::Progress every `progressStep` records; what was found until then stands.
-// Long select, find and count walks run their second half on a helper thread (see
-// SearchOptions::twoThreadsFrom); the result is that of the one-thread walk.
+// Long select, find, count and fixed-point sum walks run their second half on a helper thread
+// (see SearchOptions::twoThreadsFrom); the result is that of the one-thread walk.
 
 #include "core/Progress.h"
 #include "design/Design.h"
@@ -37,7 +37,8 @@ struct SearchOptions {
     bool silent = false;       // a page button's line: no message
     int hitCap = 32000;        // rows kept; the walk goes on past it
     int progressStep = 4096;   // records between two progress reports and stop tests
-    // Select, find and count walks over at least this many records run on two threads (0: never).
+    // Select, find, count and sum walks over at least this many records run on two threads (0:
+    // never); a sum over a float field always runs on one.
     int64_t twoThreadsFrom = 65536;
     const QVector<int> *within = nullptr; // hits of an earlier search: only those are walked
     const QVector<int> *sortIndex = nullptr; // a browse order (entry 0 unused)
