@@ -184,8 +184,8 @@ def main():
         t = time.perf_counter()
         settle(data, args.small_pages)
         settle(db, args.small_pages)
-        print("settled the page cache: read %s and %s back in%s in %.1f s" % (
-            os.path.basename(data), os.path.basename(db), " 4 KB pages" if args.small_pages else "",
+        print("settled the page cache: read %s and %s back in%s (%.1f s)" % (
+            os.path.basename(data), os.path.basename(db), " 4 KB pages" if args.small_pages else " large reads",
             time.perf_counter() - t))
 
     ff = [cli, "search", image, "--data", data]
