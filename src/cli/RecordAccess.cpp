@@ -9,7 +9,7 @@
 
 namespace ff::cli {
 
-bool CliDatabase::open(const QString &image, const QString &dataFile, bool writes)
+bool CliDatabase::open(const QString &image, const QString &dataFile, bool writes, bool mayCreate)
 {
     const DesignLoad load = ReadDesign(image, DesignReadOptions{});
     if (!load.complete()) {
@@ -23,7 +23,7 @@ bool CliDatabase::open(const QString &image, const QString &dataFile, bool write
     db_->start();
     if (!dataFile.isEmpty())
         db_->DataFileName = dataFile;
-    if (!writes && !QFileInfo::exists(db_->DataFileName)) {
+    if ((!writes || !mayCreate) && !QFileInfo::exists(db_->DataFileName)) {
         host_.err << host_.verb << ": no data file " << db_->DataFileName << "\n";
         return false;
     }

@@ -31,8 +31,9 @@ public:
     CliDatabase(QTextStream &err, const QString &verb) : host_(err, verb), hooks_(context_) { context_.host = &host_; }
 
     // Reads the design and opens the data file (DATAFILE or the image's own); `writes` false opens it
-    // for reading only. Messages go to `err`; false when nothing could be opened.
-    bool open(const QString &image, const QString &dataFile, bool writes);
+    // for reading only. A missing data file is created only for a writing verb that may make one.
+    // Messages go to `err`; false when nothing could be opened.
+    bool open(const QString &image, const QString &dataFile, bool writes, bool mayCreate = true);
     Database &db() { return *db_; }
     FormulaContext &context() { return context_; }
 

@@ -7,24 +7,14 @@
 // a long walk on one thread (it is split over two otherwise).
 
 #include "cli/Command.h"
-#include "design/AppPaths.h"
-#include "design/DesignReader.h"
+#include "cli/RecordAccess.h"
 #include "search/SearchEngine.h"
-#include "store/Database.h"
-
-#include <QFileInfo>
 
 #include <cstdio>
 
 namespace ff::cli {
 
 namespace {
-
-struct QuietHost : StoreHost {
-    QTextStream &err;
-    explicit QuietHost(QTextStream &e) : err(e) {}
-    void ShowMessage(const QString &, const QString &text, int) override { err << "search: " << text << "\n"; }
-};
 
 struct PrintHost : SearchHost {
     QTextStream &out;
@@ -33,33 +23,6 @@ struct PrintHost : SearchHost {
 };
 
 } // namespace
-
-// Opens the database of an image for the search verbs: the data file beside the image or the one
-// given, read-only unless `writes`.
-std::unique_ptr<Database> OpenImageDatabase(const QString &image, const QString &dataFile, bool writes, StoreHost *host,
-                                            QTextStream &err, const QString &verb)
-{
-    const DesignLoad load = ReadDesign(image, DesignReadOptions{});
-    if (!load.complete()) {
-        err << verb << ": " << image << ": " << load.error.text << "\n";
-        return nullptr;
-    }
-    auto db = std::make_unique<Database>(load.design, ParseCommandLine(QFileInfo(image).absoluteFilePath(), {}), host);
-    db->start();
-    if (!dataFile.isEmpty())
-        db->DataFileName = dataFile;
-    else if (QFileInfo(db->DataFileName).isRelative())
-        db->DataFileName = db->paths().AppFolder + db->DataFileName;
-    if (!QFileInfo::exists(db->DataFileName)) {
-        err << verb << ": no data file " << db->DataFileName << "\n";
-        return nullptr;
-    }
-    if (!writes)
-        db->store().ViewOnlyMode = true;
-    if (!db->OpenDatabase(0))
-        return nullptr;
-    return db;
-}
 
 class SearchCommand : public Command {
 public:
@@ -106,10 +69,10 @@ public:
         if (!qEnvironmentVariableIsSet("TZ"))
             qputenv("TZ", ":/etc/localtime");
         const bool writes = SearchParser::IsCommand(line) && line.trimmed().toLower().startsWith(QLatin1String("replace "));
-        QuietHost storeHost(err);
-        std::unique_ptr<Database> db = OpenImageDatabase(args.at(0), dataFile, writes, &storeHost, err, name());
-        if (!db)
+        CliDatabase opened(err, name());
+        if (!opened.open(args.at(0), dataFile, writes, false))
             return 1;
+        Database *db = &opened.db();
         if (writes && !db->store().writingAllowed()) {
             err << "search: " << db->DataFileName << " is read-only; nothing replaced\n";
             return 1;

@@ -4,6 +4,7 @@
 // record numbers in its order, one a line: ascending, or from the end with --down.
 
 #include "cli/Command.h"
+#include "cli/RecordAccess.h"
 #include "search/SearchNames.h"
 #include "search/SortIndexBuilder.h"
 #include "store/Database.h"
@@ -13,9 +14,6 @@
 #include <memory>
 
 namespace ff::cli {
-
-std::unique_ptr<Database> OpenImageDatabase(const QString &image, const QString &dataFile, bool writes, StoreHost *host,
-                                            QTextStream &err, const QString &verb);
 
 class SortCommand : public Command {
 public:
@@ -42,9 +40,10 @@ public:
             err << "usage: flatform-cli " << usage() << "\n";
             return 2;
         }
-        std::unique_ptr<Database> db = OpenImageDatabase(args.at(0), dataFile, false, nullptr, err, name());
-        if (!db)
+        CliDatabase opened(err, name());
+        if (!opened.open(args.at(0), dataFile, false))
             return 1;
+        Database *db = &opened.db();
         RecordStore &store = db->store();
         const SearchNames names(store.design(), store.layout());
         const SearchField field = names.byTag(args.at(1));
