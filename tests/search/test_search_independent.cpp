@@ -64,20 +64,20 @@ protected:
         QJsonArray combos;
         for (size_t i = 1; i < design.Combos.size(); ++i)
             combos.append(QJsonObject{{"maxLength", design.Combos[i].MaxLength}, {"page", 0}});
-        const QJsonObject spec{{"recordsPerPart", kPerPart}, {"scramble", 0}, {"flow", 0}, {"stamp", true},
+        const QJsonObject setup{{"recordsPerPart", kPerPart}, {"scramble", 0}, {"flow", 0}, {"stamp", true},
                                {"title", "Independent"}, {"fields", fields}, {"combos", combos},
                                {"checks", QJsonArray{QJsonObject{{"page", 0}}}}, {"pictures", QJsonArray{}},
                                {"notes", QJsonArray{QJsonObject{{"maxLength", 30}, {"page", 0}}}}, {"records", records}};
-        const QString specPath = dir.filePath(QStringLiteral("spec.json"));
-        QFile f(specPath);
+        const QString layoutPath = dir.filePath(QStringLiteral("layout.json"));
+        QFile f(layoutPath);
         ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(QJsonDocument(spec).toJson());
+        f.write(QJsonDocument(setup).toJson());
         f.close();
         dataFile = dir.filePath(QStringLiteral("ind.dat"));
         QProcess p;
         p.start(QStringLiteral("python3"), {QString::fromLocal8Bit(qgetenv("FLATFORM_SOURCE_DIR")) +
                                                 QStringLiteral("/tests/support/independent_record_writer.py"),
-                                            QStringLiteral("write"), specPath, dataFile});
+                                            QStringLiteral("write"), layoutPath, dataFile});
         ASSERT_TRUE(p.waitForFinished(60000));
         ASSERT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
         ASSERT_TRUE(store.openFileSet(dataFile, false, QString()).ok());

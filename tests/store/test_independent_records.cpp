@@ -21,14 +21,14 @@ QString script()
 }
 
 // The stored elements of a design, as the script takes them.
-QJsonObject specFor(const Design &d, int perPart)
+QJsonObject setupFor(const Design &d, int perPart)
 {
-    QJsonObject spec;
-    spec[QStringLiteral("recordsPerPart")] = perPart;
-    spec[QStringLiteral("scramble")] = d.ScrambleRecords;
-    spec[QStringLiteral("flow")] = d.FlowPageEnabled;
-    spec[QStringLiteral("stamp")] = d.Titles[4].present && Design::onPage(d.Titles[4].TitlePage);
-    spec[QStringLiteral("title")] = d.MainCap;
+    QJsonObject setup;
+    setup[QStringLiteral("recordsPerPart")] = perPart;
+    setup[QStringLiteral("scramble")] = d.ScrambleRecords;
+    setup[QStringLiteral("flow")] = d.FlowPageEnabled;
+    setup[QStringLiteral("stamp")] = d.Titles[4].present && Design::onPage(d.Titles[4].TitlePage);
+    setup[QStringLiteral("title")] = d.MainCap;
     QJsonArray fields, combos, checks, pictures, notes;
     for (size_t i = 1; i < d.Fields.size(); ++i)
         fields.append(QJsonObject{{"type", d.Fields[i].FieldType}, {"maxLength", d.Fields[i].MaxLength},
@@ -41,23 +41,23 @@ QJsonObject specFor(const Design &d, int perPart)
         pictures.append(QJsonObject{{"stretch", p.Stretch}});
     for (size_t i = 1; i < d.Notes.size(); ++i)
         notes.append(QJsonObject{{"maxLength", d.Notes[i].MaxLength}, {"page", d.Notes[i].NotePage}});
-    spec[QStringLiteral("fields")] = fields;
-    spec[QStringLiteral("combos")] = combos;
-    spec[QStringLiteral("checks")] = checks;
-    spec[QStringLiteral("pictures")] = pictures;
-    spec[QStringLiteral("notes")] = notes;
-    return spec;
+    setup[QStringLiteral("fields")] = fields;
+    setup[QStringLiteral("combos")] = combos;
+    setup[QStringLiteral("checks")] = checks;
+    setup[QStringLiteral("pictures")] = pictures;
+    setup[QStringLiteral("notes")] = notes;
+    return setup;
 }
 
-QByteArray runScript(const QString &verb, const QJsonObject &spec, const QString &data, const QTemporaryDir &dir)
+QByteArray runScript(const QString &verb, const QJsonObject &setup, const QString &data, const QTemporaryDir &dir)
 {
-    const QString specPath = dir.filePath(QStringLiteral("spec.json"));
-    QFile f(specPath);
+    const QString layoutPath = dir.filePath(QStringLiteral("layout.json"));
+    QFile f(layoutPath);
     f.open(QIODevice::WriteOnly);
-    f.write(QJsonDocument(spec).toJson());
+    f.write(QJsonDocument(setup).toJson());
     f.close();
     QProcess p;
-    p.start(QStringLiteral("python3"), {script(), verb, specPath, data});
+    p.start(QStringLiteral("python3"), {script(), verb, layoutPath, data});
     p.waitForFinished(30000);
     EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().constData();
     return p.readAllStandardOutput();
@@ -85,12 +85,12 @@ TEST(IndependentWriter, ItsFilesReadValueForValue)
     QTemporaryDir dir;
     const QString data = dir.filePath(QStringLiteral("Ind.dat"));
     const Design design = fullDesign(true, true);
-    QJsonObject spec = specFor(design, 4);
+    QJsonObject setup = setupFor(design, 4);
     QJsonArray records;
     for (int r = 1; r <= 9; ++r)
         records.append(recordValues(r));
-    spec[QStringLiteral("records")] = records;
-    runScript(QStringLiteral("write"), spec, data, dir);
+    setup[QStringLiteral("records")] = records;
+    runScript(QStringLiteral("write"), setup, data, dir);
     ASSERT_TRUE(QFile::exists(partFileName(data, 2)));
 
     StoreUser u{Design(design)};
@@ -160,7 +160,7 @@ TEST(IndependentWriter, ReadsWhatThisStoreWrote)
             ASSERT_TRUE(u.store.SaveIfDirty());
         }
     }
-    const QJsonObject back = QJsonDocument::fromJson(runScript(QStringLiteral("read"), specFor(design, 2140000000 / 10155 - 1), data, dir)).object();
+    const QJsonObject back = QJsonDocument::fromJson(runScript(QStringLiteral("read"), setupFor(design, 2140000000 / 10155 - 1), data, dir)).object();
     EXPECT_EQ(back["recordLength"].toInt(), 10155);
     ASSERT_EQ(back["count"].toInt(), 5);
     const QJsonArray records = back["records"].toArray();

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """A second, independent implementation of the record file format, for tests.
 
-    independent_record_writer.py write SPEC.json DATAFILE   writes the file set
-    independent_record_writer.py read SPEC.json DATAFILE    prints the records as JSON
+    independent_record_writer.py write LAYOUT.json DATAFILE   writes the file set
+    independent_record_writer.py read LAYOUT.json DATAFILE    prints the records as JSON
 
-SPEC describes the design's stored elements and, for writing, the records:
+LAYOUT describes the design's stored elements and, for writing, the records:
   {"recordsPerPart": 4, "scramble": 0, "flow": 0, "stamp": true, "title": "My db",
    "fields":   [{"type": 0, "maxLength": 10, "page": 0, "global": false}, ...],   numbered from 1
    "combos":   [{"maxLength": 8, "page": 0}, ...],                                 numbered from 1
@@ -49,34 +49,34 @@ def field_size(f):
     return max(0, f.get("maxLength", 0))
 
 
-def layout(spec):
+def layout(setup):
     """Returns (record length, list of (key, kind, offset0, size, element))."""
     slots = []
     at = 0
-    for i, f in enumerate(spec.get("fields", []), start=1):
+    for i, f in enumerate(setup.get("fields", []), start=1):
         if on_page(f.get("page", 0)) and not f.get("global", False):
             slots.append(("F%d" % i, "field", at, field_size(f), f))
             at += field_size(f)
-    for i, c in enumerate(spec.get("combos", []), start=1):
+    for i, c in enumerate(setup.get("combos", []), start=1):
         if on_page(c.get("page", 0)):
             slots.append(("C%d" % i, "text", at, c["maxLength"], c))
             at += c["maxLength"]
-    for i, c in enumerate(spec.get("checks", [])):
+    for i, c in enumerate(setup.get("checks", [])):
         if on_page(c.get("page", 0)):
             slots.append(("K%d" % i, "check", at, 1, c))
             at += 1
-    for i, p in enumerate(spec.get("pictures", [])):
+    for i, p in enumerate(setup.get("pictures", [])):
         if p.get("stretch", False):
             slots.append(("P%d" % i, "picture", at, 8, p))
             at += 8
-    for i, n in enumerate(spec.get("notes", []), start=1):
+    for i, n in enumerate(setup.get("notes", []), start=1):
         if on_page(n.get("page", 0)):
             slots.append(("M%d" % i, "text", at, n["maxLength"], n))
             at += n["maxLength"]
-    if spec.get("stamp", False):
+    if setup.get("stamp", False):
         slots.append(("stamp", "stamp", at, 8, None))
         at += 8
-    if spec.get("flow", 0) == 1:
+    if setup.get("flow", 0) == 1:
         slots.append(("flow", "flow", at, 10000, None))
         at += 10000
     return at + 1, slots
@@ -97,8 +97,8 @@ def currency(value):
     return struct.pack("<q", int(round(value * 10000)))
 
 
-def encode_record(spec, rec):
-    length, slots = layout(spec)
+def encode_record(setup, rec):
+    length, slots = layout(setup)
     buf = bytearray(b" " * length)
     for key, kind, at, size, el in slots:
         if kind == "field":
@@ -139,13 +139,13 @@ def encode_record(spec, rec):
                 area += struct.pack("<iiiiii", im["left"], im["top"], im["width"], im["height"], im["id"], im["link"])
             buf[at:at + len(area)] = area
     data = bytes(buf)
-    return scramble(data) if spec.get("scramble", 0) == 1 else data
+    return scramble(data) if setup.get("scramble", 0) == 1 else data
 
 
-def decode_record(spec, data):
-    length, slots = layout(spec)
+def decode_record(setup, data):
+    length, slots = layout(setup)
     data = data.ljust(length, b" ")[:length]
-    if spec.get("scramble", 0) == 1:
+    if setup.get("scramble", 0) == 1:
         data = unscramble(data)
     out = {}
     for key, kind, at, size, el in slots:
@@ -216,28 +216,28 @@ def place(record, per_part, length):
     return part, (record - per_part * part) * length  # 1-based position
 
 
-def write(spec, datafile):
-    length, _ = layout(spec)
-    per_part = spec["recordsPerPart"]
+def write(setup, datafile):
+    length, _ = layout(setup)
+    per_part = setup["recordsPerPart"]
     with open(datafile, "wb") as f:
         header = bytearray(length - 1)
         header[0:8] = struct.pack("<d", 45000.5)[:len(header)]
-        title = spec.get("title", "").encode(ENC).ljust(length, b" ")
+        title = setup.get("title", "").encode(ENC).ljust(length, b" ")
         header[8:] = title[:max(0, len(header) - 8)]
         header[9:13] = b"\0\0\0\0"[:max(0, len(header) - 9)]
         f.write(bytes(header[:length - 1]))
-    for number, rec in enumerate(spec["records"], start=1):
+    for number, rec in enumerate(setup["records"], start=1):
         part, position = place(number, per_part, length)
         name = part_name(datafile, part)
         mode = "r+b" if os.path.exists(name) else "w+b"
         with open(name, mode) as f:
             f.seek(position - 1)
-            f.write(encode_record(spec, rec))
+            f.write(encode_record(setup, rec))
 
 
-def read(spec, datafile):
-    length, _ = layout(spec)
-    per_part = spec["recordsPerPart"]
+def read(setup, datafile):
+    length, _ = layout(setup)
+    per_part = setup["recordsPerPart"]
     last = 0
     while os.path.exists(part_name(datafile, last + 1)):
         last += 1
@@ -247,7 +247,7 @@ def read(spec, datafile):
         part, position = place(number, per_part, length)
         with open(part_name(datafile, part), "rb") as f:
             f.seek(position - 1)
-            records.append(decode_record(spec, f.read(length)))
+            records.append(decode_record(setup, f.read(length)))
     return {"recordLength": length, "count": count, "records": records}
 
 
@@ -256,11 +256,11 @@ def main():
         print(__doc__, file=sys.stderr)
         return 2
     with open(sys.argv[2], encoding="utf-8") as f:
-        spec = json.load(f)
+        setup = json.load(f)
     if sys.argv[1] == "write":
-        write(spec, sys.argv[3])
+        write(setup, sys.argv[3])
     else:
-        json.dump(read(spec, sys.argv[3]), sys.stdout, ensure_ascii=False)
+        json.dump(read(setup, sys.argv[3]), sys.stdout, ensure_ascii=False)
     return 0
 
 
