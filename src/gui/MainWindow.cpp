@@ -146,7 +146,8 @@ void MainWindow::buildToolbar()
     const QString createCaption = d.CaptionRun[1].isEmpty() ? tr("&Create...") : d.CaptionRun[1];
     QAction *open = menu->addAction(st->standardIcon(QStyle::SP_DialogOpenButton), openCaption, this,
                                     [this] { chooseDataFile(false); });
-    open->setShortcut(QKeySequence::Open);
+    // No Ctrl+letter shortcuts on the main window: in a field, Ctrl+Q, W, E, R, T, Y, U, I, O and P
+    // type special characters (cent, pound, copyright, ...).
     QAction *create = menu->addAction(st->standardIcon(QStyle::SP_FileDialogNewFolder), createCaption, this,
                                       [this] { chooseDataFile(true); });
     menu->addSeparator();
@@ -156,7 +157,7 @@ void MainWindow::buildToolbar()
         users->setObjectName(QStringLiteral("Passmenu"));
         menu->addSeparator();
     }
-    menu->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
+    menu->addAction(tr("&Quit"), this, &QWidget::close);
     bar->addAction(open);
     open->setToolTip(tipOf(openCaption));
     bar->addSeparator();

@@ -17,17 +17,26 @@ namespace ff::gui {
 
 namespace {
 
-// Keys that reach the key-press rules as characters: printable ones and the control characters a
-// Ctrl+letter, Enter, Backspace or Escape give. Tab moves the focus and Delete edits without a
-// character, so neither is one.
-bool isKeyPressCharacter(const QKeyEvent *key)
+// The character a key gives to the key-press rules: Ctrl with a letter is its control code
+// (Ctrl+Q is 17) whatever text the platform attaches, Escape is 27, otherwise the key's text.
+// Tab moves the focus and Delete edits without a character, so neither gives one; copying and
+// selecting change nothing and stay with the widget.
+QChar typedCharacter(const QKeyEvent *key)
 {
+    if (key->matches(QKeySequence::Copy) || key->matches(QKeySequence::SelectAll))
+        return QChar();
+    if ((key->modifiers() & Qt::ControlModifier) && key->key() >= Qt::Key_A && key->key() <= Qt::Key_Z)
+        return QChar(char16_t(key->key() - Qt::Key_A + 1));
+    if (key->key() == Qt::Key_Escape)
+        return QChar(27);
     const QString t = key->text();
     if (t.size() != 1)
-        return false;
+        return QChar();
     const ushort c = t[0].unicode();
-    return c != 9 && c != 127;
+    return c == 9 || c == 127 ? QChar() : t[0];
 }
+
+bool isKeyPressCharacter(const QKeyEvent *key) { return !typedCharacter(key).isNull(); }
 
 bool isEditWithoutCharacter(const QKeyEvent *key)
 {
@@ -219,7 +228,7 @@ bool PageBinder::applyKeyRule(QWidget *widget, QKeyEvent *key, const std::functi
         return !entry_.beginEdit();
     if (!isKeyPressCharacter(key))
         return false;
-    const QChar typed = key->text().at(0);
+    const QChar typed = typedCharacter(key);
     const QChar out = rule(typed);
     if (out.isNull())
         return true;
@@ -278,6 +287,7 @@ bool PageBinder::fieldEvent(int i, QEvent *event)
         const FieldEntry::KeyDown down = entry_.fieldKeyDown(i, key->key(), key->modifiers());
         if (down.action == FieldEntry::KeyDown::Action::Filled) {
             refreshField(i);
+            edit->end(false); // typing goes on after the filled text
             return true;
         }
         if (down.action == FieldEntry::KeyDown::Action::Scroll) {

@@ -72,6 +72,12 @@ private Q_SLOTS:
         QCOMPARE(field(w, 7)->text(), QStringLiteral("Thursday, January 2, 2003"));
         typeInto(w, 1, QStringLiteral("ada lovelace"), 2); // proper case as typed
         QCOMPARE(field(w, 1)->text(), QStringLiteral("Ada Lovelace"));
+        // Select all and type over it: the record changes like any typing.
+        field(w, 1)->setFocus();
+        QTest::keyClick(field(w, 1), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(field(w, 1), QStringLiteral("grace"));
+        field(w, 2)->setFocus();
+        QCOMPARE(field(w, 1)->text(), QStringLiteral("Grace"));
         // The formula of "Available" follows: credit less balance.
         QCOMPARE(field(w, 11)->text(), QStringLiteral("14.00"));
         typeInto(w, 10, QStringLiteral("4.5"), 1);
@@ -80,6 +86,11 @@ private Q_SLOTS:
         field(w, 3)->setFocus();
         QTest::keyClick(field(w, 3), Qt::Key_F1);
         QCOMPARE(field(w, 3)->text(), QStringLiteral("No")); // the example's text for F1
+        // Ctrl+Q types a cent sign (no shortcut of the window takes it); Escape a division sign.
+        QTest::keyClick(field(w, 3), Qt::Key_Q, Qt::ControlModifier);
+        QTest::keyClick(field(w, 3), Qt::Key_Escape);
+        QCOMPARE(field(w, 3)->text(), QStringLiteral("No¢÷"));
+        QVERIFY(w.isVisible());
     }
 
     void navigationAndNewRecords()
