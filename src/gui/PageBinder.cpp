@@ -244,6 +244,20 @@ bool PageBinder::applyKeyRule(QWidget *widget, QKeyEvent *key, const std::functi
     return true;
 }
 
+bool PageBinder::keyDownHandled(const FieldEntry::KeyDown &down, const std::function<void()> &filled)
+{
+    if (down.action == FieldEntry::KeyDown::Action::Filled) {
+        filled();
+        return true;
+    }
+    if (down.action == FieldEntry::KeyDown::Action::Scroll) {
+        if (scrollWanted)
+            scrollWanted(down.scrollBy);
+        return true;
+    }
+    return false;
+}
+
 bool PageBinder::eventFilter(QObject *watched, QEvent *event)
 {
     const auto it = targets_.constFind(watched);
@@ -284,17 +298,11 @@ bool PageBinder::fieldEvent(int i, QEvent *event)
         return false;
     case QEvent::KeyPress: {
         auto *key = static_cast<QKeyEvent *>(event);
-        const FieldEntry::KeyDown down = entry_.fieldKeyDown(i, key->key(), key->modifiers());
-        if (down.action == FieldEntry::KeyDown::Action::Filled) {
-            refreshField(i);
-            edit->end(false); // typing goes on after the filled text
+        if (keyDownHandled(entry_.fieldKeyDown(i, key->key(), key->modifiers()), [&] {
+                refreshField(i);
+                edit->end(false); // typing goes on after the filled text
+            }))
             return true;
-        }
-        if (down.action == FieldEntry::KeyDown::Action::Scroll) {
-            if (scrollWanted)
-                scrollWanted(down.scrollBy);
-            return true;
-        }
         const bool handled = applyKeyRule(edit, key, [&](QChar c) { return entry_.fieldKeyPress(i, c); });
         if (handled)
             page_.FieldText[i] = edit->text();
@@ -347,16 +355,8 @@ bool PageBinder::comboEvent(int i, QEvent *event)
         return false;
     case QEvent::KeyPress: {
         auto *key = static_cast<QKeyEvent *>(event);
-        const FieldEntry::KeyDown down = entry_.comboKeyDown(i, key->key(), key->modifiers());
-        if (down.action == FieldEntry::KeyDown::Action::Filled) {
-            refreshCombo(i);
+        if (keyDownHandled(entry_.comboKeyDown(i, key->key(), key->modifiers()), [&] { refreshCombo(i); }))
             return true;
-        }
-        if (down.action == FieldEntry::KeyDown::Action::Scroll) {
-            if (scrollWanted)
-                scrollWanted(down.scrollBy);
-            return true;
-        }
         const bool handled = applyKeyRule(combo, key, [&](QChar c) { return entry_.comboKeyPress(i, c); });
         if (handled)
             page_.ComboText[i] = combo->currentText();

@@ -5,6 +5,7 @@
 
 #include "design/Page.h"
 #include "entry/FieldAction.h"
+#include "entry/FieldEntry.h"
 
 #include <QHash>
 #include <QObject>
@@ -15,7 +16,6 @@ class QKeyEvent;
 class QWidget;
 
 namespace ff {
-class FieldEntry;
 class PageActions;
 } // namespace ff
 
@@ -65,6 +65,8 @@ private:
     // Runs a key through a key-press rule: false to let the widget have it, true when it was
     // dropped or replaced.
     bool applyKeyRule(QWidget *widget, QKeyEvent *key, const std::function<QChar(QChar)> &rule);
+    // An F-key fill or an arrow's scroll was done: the key goes no further.
+    bool keyDownHandled(const FieldEntry::KeyDown &down, const std::function<void()> &filled);
 
     PageCanvas &canvas_;
     Page &page_;
