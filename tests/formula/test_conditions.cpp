@@ -41,6 +41,17 @@ QStringList runIf(const QString &text, uint8_t mode = 0, Status *status = nullpt
     return recorder.ran;
 }
 
+QStringList assign(const QString &text, bool *ok = nullptr)
+{
+    Recorder recorder;
+    uint8_t mode = 0;
+    QString line = text;
+    const bool done = RunAssignments(line, mode, recorder.runner()).ok();
+    if (ok)
+        *ok = done;
+    return recorder.ran;
+}
+
 bool test(const QString &token, uint8_t mode = 0)
 {
     QString t = token;
@@ -52,31 +63,15 @@ bool test(const QString &token, uint8_t mode = 0)
 
 } // namespace
 
-TEST(RunAssignments, CutsAtEverySingleBlankAndProtectsQuotes)
+TEST(RunAssignments, CutsAtBlanksReplacesTrueAndFalseAndStopsAtAFailure)
 {
-    Recorder recorder;
-    uint8_t mode = 0;
-    QString line = QStringLiteral("v1=\"a b\" v2=3  v3=4");
-    EXPECT_TRUE(RunAssignments(line, mode, recorder.runner()).ok());
-    EXPECT_EQ(recorder.ran, (QStringList{"v1=\"a_b\"", "v2=3", "", "v3=4"}));
-}
-
-TEST(RunAssignments, ReplacesTrueAndFalseEvenInsideWords)
-{
-    Recorder recorder;
-    uint8_t mode = 0;
-    QString line = QStringLiteral("v1=TRUETIME v2=false v3=\"Falsehood\"");
-    RunAssignments(line, mode, recorder.runner());
-    EXPECT_EQ(recorder.ran, (QStringList{"v1=1TIME", "v2=0", "v3=\"0hood\""}));
-}
-
-TEST(RunAssignments, StopsTheLineAtAFailingStatement)
-{
-    Recorder recorder;
-    uint8_t mode = 0;
-    QString line = QStringLiteral("a=1 fail b=2");
-    EXPECT_FALSE(RunAssignments(line, mode, recorder.runner()).ok());
-    EXPECT_EQ(recorder.ran, (QStringList{"a=1", "fail"}));
+    bool ok = false;
+    EXPECT_EQ(assign("v1=\"a b\" v2=3  v3=4", &ok), (QStringList{"v1=\"a_b\"", "v2=3", "", "v3=4"}));
+    EXPECT_TRUE(ok);
+    // TRUE and FALSE are replaced even inside words and quotes.
+    EXPECT_EQ(assign("v1=TRUETIME v2=false v3=\"Falsehood\""), (QStringList{"v1=1TIME", "v2=0", "v3=\"0hood\""}));
+    EXPECT_EQ(assign("a=1 fail b=2", &ok), (QStringList{"a=1", "fail"}));
+    EXPECT_FALSE(ok);
 }
 
 TEST(RunIf, ThenAndElseBranches)
@@ -87,9 +82,11 @@ TEST(RunIf, ThenAndElseBranches)
     EXPECT_EQ(runIf("if 5>3 then v1=1 v2=2 else v3=3"), (QStringList{"v1=1", "v2=2", "else"}));
     // The first token is never looked at.
     EXPECT_EQ(runIf("5>3 THEN v1=1"), QStringList());
+    // Underscores become blanks; quotes survive the cut.
+    EXPECT_EQ(runIf("IF \"New York\"=\"new york\" THEN m1=a_b"), (QStringList{"m1=a b"}));
 }
 
-TEST(RunIf, AndOnFalseSkipsToElseWithoutTestingTheRest)
+TEST(RunIf, AndOnFalseAndOrOnTrueSkipTheRestOfTheTests)
 {
     // In date mode the right operand would fail if it were tested.
     Status status;
@@ -100,11 +97,6 @@ TEST(RunIf, AndOnFalseSkipsToElseWithoutTestingTheRest)
     // With the test made, the failure stops the line.
     EXPECT_EQ(runIf("IF 5>3 AND x<y THEN v1=1", 2, &status), QStringList());
     EXPECT_FALSE(status.ok());
-}
-
-TEST(RunIf, OrOnTrueRunsThenWithoutTestingTheRest)
-{
-    Status status;
     EXPECT_EQ(runIf("IF 5>3 OR x<y THEN v1=1", 2, &status), (QStringList{"v1=1"}));
     EXPECT_TRUE(status.ok());
 }
@@ -115,11 +107,6 @@ TEST(RunIf, FlatWalkLetsALaterTestOverwriteAFalseAnd)
     EXPECT_EQ(runIf("IF 5>3 AND 1>3 THEN v1=1 ELSE v1=2"), (QStringList{"v1=2"}));
     EXPECT_EQ(runIf("IF 5>3 AND 4>3 THEN v1=1 ELSE v1=2"), (QStringList{"v1=1", "ELSE"}));
     EXPECT_EQ(runIf("IF 1>3 OR 4>3 THEN v1=1"), (QStringList{"v1=1"}));
-}
-
-TEST(RunIf, UnderscoresBecomeBlanksAndQuotesSurviveTheCut)
-{
-    EXPECT_EQ(runIf("IF \"New York\"=\"new york\" THEN m1=a_b"), (QStringList{"m1=a b"}));
 }
 
 TEST(TestCondition, NotIsNumericAndKnowsNoEquals)

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <initializer_list>
 
 using namespace ff;
 
@@ -19,6 +20,17 @@ QString eval(const QString &expression)
 {
     QString e = expression;
     return EvaluateToText(e);
+}
+
+struct Row {
+    const char *expression;
+    const char *expected;
+};
+
+void expectEval(std::initializer_list<Row> rows)
+{
+    for (const Row &row : rows)
+        EXPECT_EQ(eval(QLatin1String(row.expression)), QLatin1String(row.expected)) << '"' << row.expression << '"';
 }
 
 QString rewritten(const QString &expression)
@@ -32,88 +44,50 @@ QString rewritten(const QString &expression)
 
 TEST(Evaluator, ScansLeftToRightWithoutPrecedence)
 {
-    EXPECT_EQ(eval("2+3*4"), "20");
-    EXPECT_EQ(eval("1+1^3"), "8");
-    EXPECT_EQ(eval("10/4*2"), "5");
-    EXPECT_EQ(eval(""), "0");
-    EXPECT_EQ(eval("   "), "0");
+    expectEval({{"2+3*4", "20"}, {"1+1^3", "8"}, {"10/4*2", "5"}, {"", "0"}, {"   ", "0"}});
 }
 
 TEST(Evaluator, MinusBelongsToTheNumberAndTildeSubtracts)
 {
-    EXPECT_EQ(eval("10-2"), "10");
-    EXPECT_EQ(eval("5-3+1"), "6");
-    EXPECT_EQ(eval("10~2~3"), "5");
-    EXPECT_EQ(eval("10~-2"), "12");
-    EXPECT_EQ(eval("3*-2"), "-6");
-    EXPECT_EQ(eval("-0"), "0");
+    expectEval({{"10-2", "10"}, {"5-3+1", "6"}, {"10~2~3", "5"}, {"10~-2", "12"}, {"3*-2", "-6"}, {"-0", "0"}});
 }
 
 TEST(Evaluator, UnknownCharactersClearOnlyThePendingOperator)
 {
-    // The blank drops the "+", the 3 then replaces the accumulator.
-    EXPECT_EQ(eval("2+ 3"), "3");
-    // The number text survives a blank: "2 3" reads 23.
-    EXPECT_EQ(eval("2 3"), "23");
-    EXPECT_EQ(eval("4*Q5"), "5");
+    expectEval({
+        {"2+ 3", "3"}, // the blank drops the "+", the 3 then replaces the accumulator
+        {"2 3", "23"}, // the number text survives a blank
+        {"4*Q5", "5"},
+    });
 }
 
 TEST(Evaluator, UnaryLettersActAtTheNextOperatorAndDiscardTheirOperand)
 {
-    EXPECT_EQ(eval("16S+2"), "6");
-    EXPECT_EQ(eval("16S9"), "4");
-    EXPECT_EQ(eval("16s"), "4");
-    EXPECT_EQ(eval("A5"), "0");
-    EXPECT_EQ(eval("-5A"), "5");
-    EXPECT_EQ(eval("3A+1"), "4");
-    EXPECT_EQ(eval("abc"), "1");
-    EXPECT_EQ(eval("0C"), "1");
-    EXPECT_EQ(eval("1E"), "2.71828182845905");
-    EXPECT_EQ(eval("1L"), "0");
-    EXPECT_EQ(eval("1.5X"), "720");
-    EXPECT_EQ(eval("0.75x"), "1080");
-    EXPECT_EQ(eval("-1.25X"), "360"); // 29 December 1899, 06:00
+    expectEval({{"16S+2", "6"}, {"16S9", "4"}, {"16s", "4"}, {"A5", "0"}, {"-5A", "5"}, {"3A+1", "4"}, {"abc", "1"},
+                {"0C", "1"}, {"1E", "2.71828182845905"}, {"1L", "0"}, {"1.5X", "720"}, {"0.75x", "1080"},
+                {"-1.25X", "360"}}); // 29 December 1899, 06:00
 }
 
 TEST(Evaluator, RoundingGoesHalfToEvenOnFifteenDigits)
 {
-    EXPECT_EQ(eval("2.5R"), "2");
-    EXPECT_EQ(eval("3.5R"), "4");
-    EXPECT_EQ(eval("-2.5R"), "-2");
-    EXPECT_EQ(eval("0.125U"), "0.12");
-    EXPECT_EQ(eval("0.135U"), "0.14");
-    EXPECT_EQ(eval("2.675U"), "2.68"); // 2.67499999... as a double
-    EXPECT_EQ(eval("1.005U"), "1");    // 1.00500000000000 is a half: to even
-    EXPECT_EQ(eval("0.05O"), "0");
-    EXPECT_EQ(eval("1.23456789D"), "1.2346");
-    EXPECT_EQ(eval("1.0005N"), "1");
-    EXPECT_EQ(eval("2.567U"), "2.57");
+    expectEval({{"2.5R", "2"}, {"3.5R", "4"}, {"-2.5R", "-2"}, {"0.125U", "0.12"}, {"0.135U", "0.14"},
+                {"2.675U", "2.68"}, // 2.67499999... as a double
+                {"1.005U", "1"},    // 1.00500000000000 is a half: to even
+                {"0.05O", "0"}, {"1.23456789D", "1.2346"}, {"1.0005N", "1"}, {"2.567U", "2.57"}});
 }
 
 TEST(Evaluator, RemainderRoundsBothSidesAndKeepsTheLeftSign)
 {
-    EXPECT_EQ(eval("7M3"), "1");
-    EXPECT_EQ(eval("7m3"), "1");
-    EXPECT_EQ(eval("-7M3"), "-1");
-    EXPECT_EQ(eval("7M-3"), "1");
-    EXPECT_EQ(eval("7.5M2"), "0"); // 8 mod 2
-    EXPECT_EQ(eval("6.5M4"), "2"); // 6 mod 4
+    expectEval({{"7M3", "1"}, {"7m3", "1"}, {"-7M3", "-1"}, {"7M-3", "1"},
+                {"7.5M2", "0"}, // 8 mod 2
+                {"6.5M4", "2"}}); // 6 mod 4
 }
 
 TEST(Evaluator, FailingOperationsLeaveTheAccumulator)
 {
-    EXPECT_EQ(eval("9/0"), "9");
-    EXPECT_EQ(eval("0/5"), "0");
-    EXPECT_EQ(eval("0/0"), "0");
-    EXPECT_EQ(eval("-4S"), "-4");
-    EXPECT_EQ(eval("0L"), "0");
-    EXPECT_EQ(eval("1000E"), "1000");
-    EXPECT_EQ(eval("-8^0.5"), "-8");
-    EXPECT_EQ(eval("0^-1"), "0");
-    EXPECT_EQ(eval("7M0"), "7");
-    EXPECT_EQ(eval("2958466X"), "2958466");
-    // A failure does not stop the scan: the next operator works again.
-    EXPECT_EQ(eval("9/0+1"), "10");
+    expectEval({{"9/0", "9"}, {"0/5", "0"}, {"0/0", "0"}, {"-4S", "-4"}, {"0L", "0"}, {"1000E", "1000"},
+                {"-8^0.5", "-8"}, {"0^-1", "0"}, {"7M0", "7"}, {"2958466X", "2958466"},
+                {"9/0+1", "10"}}); // a failure does not stop the scan: the next operator works again
 }
 
 TEST(Evaluator, BracketsAreReplacedByTheirValues)
@@ -171,18 +145,13 @@ TEST(Evaluator, ResultsOfBracketsUseTheLocaleSeparatorThroughCleanNumber)
 
 TEST(NumberText, ValReadsTheLeadingNumber)
 {
-    EXPECT_EQ(Val("12-5"), 12);
-    EXPECT_EQ(Val("1.2.3"), 1.2);
-    EXPECT_EQ(Val("abc"), 0);
-    EXPECT_EQ(Val(" 1 2"), 12);
-    EXPECT_EQ(Val("1e3"), 1000);
-    EXPECT_EQ(Val("1D2x"), 100);
-    EXPECT_EQ(Val("-.5"), -0.5);
-    EXPECT_EQ(Val("+7"), 7);
-    EXPECT_EQ(Val("1e"), 1);
-    EXPECT_EQ(Val("1e+"), 1);
-    EXPECT_EQ(Val("--5"), 0);
-    EXPECT_EQ(Val("."), 0);
+    const struct {
+        const char *text;
+        double value;
+    } rows[] = {{"12-5", 12}, {"1.2.3", 1.2}, {"abc", 0}, {" 1 2", 12}, {"1e3", 1000}, {"1D2x", 100}, {"-.5", -0.5},
+                {"+7", 7},    {"1e", 1},      {"1e+", 1}, {"--5", 0},   {".", 0}};
+    for (const auto &row : rows)
+        EXPECT_EQ(Val(QLatin1String(row.text)), row.value) << row.text;
     EXPECT_TRUE(std::isinf(Val("1e400")));
 }
 
@@ -197,13 +166,12 @@ TEST(NumberText, CleanNumberDropsGroupMarksAndMovesTheSeparator)
 
 TEST(NumberText, DefaultConversionGivesFifteenDigits)
 {
-    EXPECT_EQ(NumberToText(1.0 / 3), "0.333333333333333");
-    EXPECT_EQ(NumberToText(1e20), "1E+20");
-    EXPECT_EQ(NumberToText(1.5e20), "1.5E+20");
-    EXPECT_EQ(NumberToText(-0.0), "0");
-    EXPECT_EQ(NumberToText(0.1 + 0.2), "0.3");
-    EXPECT_EQ(NumberToText(123456789012345678.0), "1.23456789012346E+17");
-    EXPECT_EQ(NumberToText(1e-5), "1E-05");
+    const struct {
+        double value;
+        const char *text;
+    } rows[] = {{1.0 / 3, "0.333333333333333"}, {1e20, "1E+20"}, {1.5e20, "1.5E+20"}, {-0.0, "0"}, {0.1 + 0.2, "0.3"},
+                {123456789012345678.0, "1.23456789012346E+17"}, {1e-5, "1E-05"}, {100, "100"}};
+    for (const auto &row : rows)
+        EXPECT_EQ(NumberToText(row.value), QLatin1String(row.text)) << row.text;
     EXPECT_EQ(NumberToText(2.5, ","), "2,5");
-    EXPECT_EQ(NumberToText(100), "100");
 }

@@ -20,14 +20,14 @@ constexpr double kJan15 = 45306; // Monday 15 January 2024
 
 TEST(FieldFormat, NumbersRoundHalfAwayWithGrouping)
 {
-    EXPECT_EQ(FormatStoredValue(1234.5, 2, kUs), "1,234.50");
-    EXPECT_EQ(FormatStoredValue(2.675, 2, kUs), "2.68");
-    EXPECT_EQ(FormatStoredValue(-0.004, 2, kUs), "0.00");
-    EXPECT_EQ(FormatStoredValue(1234.5, 5, kUs), "1,235");
-    EXPECT_EQ(FormatStoredValue(-2.5, 5, kUs), "-3");
-    EXPECT_EQ(FormatStoredValue(1.23456, 4, kUs), "1.2346");
-    EXPECT_EQ(FormatStoredValue(0.1, 1, kUs), "0.1");
-    EXPECT_EQ(FormatStoredValue(1e20, 1, kUs), "1E+20");
+    const struct {
+        double value;
+        int type;
+        const char *text;
+    } rows[] = {{1234.5, 2, "1,234.50"}, {2.675, 2, "2.68"}, {-0.004, 2, "0.00"}, {1234.5, 5, "1,235"}, {-2.5, 5, "-3"},
+                {1.23456, 4, "1.2346"},  {0.1, 1, "0.1"},     {1e20, 1, "1E+20"}};
+    for (const auto &row : rows)
+        EXPECT_EQ(FormatStoredValue(row.value, row.type, kUs), QLatin1String(row.text)) << row.text;
     EXPECT_EQ(FormatFixed(1234567, 0, kUs, false), "1234567");
     EXPECT_EQ(FormatCurrency(1234.5, 2, kUs), "$1,234.50");
 }
@@ -39,12 +39,9 @@ TEST(FieldFormat, DateAndTimeFormatsByCode)
     EXPECT_EQ(FormatStoredValue(kJan15, 6, kUs), "1/15/2024");
     EXPECT_EQ(FormatStoredValue(0.75, 6, kUs), "6:00:00 PM");
     EXPECT_EQ(FormatStoredValue(0, 6, kUs), "");
-    EXPECT_EQ(FormatStoredValue(evening, 7, kUs), "1/15/2024");
-    EXPECT_EQ(FormatStoredValue(evening, 8, kUs), "15-Jan-24");
-    EXPECT_EQ(FormatStoredValue(evening, 9, kUs), "Monday, January 15, 2024");
-    EXPECT_EQ(FormatStoredValue(evening, 10, kUs), "18:00");
-    EXPECT_EQ(FormatStoredValue(evening, 11, kUs), "06:00 PM");
-    EXPECT_EQ(FormatStoredValue(evening, 12, kUs), "18:00:00");
+    const char *byCode[] = {"1/15/2024", "15-Jan-24", "Monday, January 15, 2024", "18:00", "06:00 PM", "18:00:00"};
+    for (int type = 7; type <= 12; ++type)
+        EXPECT_EQ(FormatStoredValue(evening, type, kUs), byCode[type - 7]) << type;
     const char *parts[] = {"24", "2024", "01", "Jan", "January", "15", "Mon", "Monday", "2", "3"};
     for (int type = 13; type <= 22; ++type)
         EXPECT_EQ(FormatStoredValue(kJan15, type, kUs), parts[type - 13]) << type;
@@ -101,18 +98,12 @@ struct DefaultsPage {
 
 TEST(SetFieldDefault, NumberFormatsFollowShowZeros)
 {
-    DefaultsPage shown(1);
-    for (int i = 1; i <= 5; ++i)
-        SetFieldDefault(*shown.page, i, kJan15, kUs);
-    EXPECT_EQ(shown.page->FieldText[1], "0");
-    EXPECT_EQ(shown.page->FieldText[2], "0.00");
-    EXPECT_EQ(shown.page->FieldText[3], "0.000");
-    EXPECT_EQ(shown.page->FieldText[4], "0.0000");
-    EXPECT_EQ(shown.page->FieldText[5], "0");
-
-    DefaultsPage hidden(0);
+    DefaultsPage shown(1), hidden(0);
+    const char *zeros[] = {"0", "0.00", "0.000", "0.0000", "0"};
     for (int i = 1; i <= 5; ++i) {
+        SetFieldDefault(*shown.page, i, kJan15, kUs);
         SetFieldDefault(*hidden.page, i, kJan15, kUs);
+        EXPECT_EQ(shown.page->FieldText[i], zeros[i - 1]) << i;
         EXPECT_EQ(hidden.page->FieldText[i], "old") << i;
     }
 }

@@ -241,82 +241,58 @@ TEST(RunStatement, FieldTargetsByFormat)
     setField(d, 5, 12);
     Fixture f(std::move(d));
     f.engine.RunFormulas();
-    f.run("f1=two_words");
-    EXPECT_EQ(f.page.FieldText[1], "two words");
-    f.run("F2=1,000+1");
-    EXPECT_EQ(f.page.FieldText[2], "1001");
-    f.run("f3=0.5");
-    EXPECT_EQ(f.page.FieldText[3], "12:00");
-    f.run("f4=45306");
-    EXPECT_EQ(f.page.FieldText[4], "1/15/2024");
+    const struct {
+        const char *statement;
+        int field;
+        const char *expected;
+    } rows[] = {
+        {"f1=two_words", 1, "two words"}, {"F2=1,000+1", 2, "1001"}, {"f3=0.5", 3, "12:00"},
+        {"f4=45306", 4, "1/15/2024"},     {"f5=0.25", 5, "06:00:00"},
+        {"f2", 2, "1001"}, // no "=": nothing
+    };
+    for (const auto &row : rows) {
+        f.run(QLatin1String(row.statement));
+        EXPECT_EQ(f.page.FieldText[row.field], QLatin1String(row.expected)) << row.statement;
+    }
     EXPECT_DOUBLE_EQ(f.page.FieldDate[4], 45306);
     f.run("f4=soon");
     EXPECT_FALSE(f.last.ok());
-    f.run("f5=0.25");
-    EXPECT_EQ(f.page.FieldText[5], "06:00:00");
-    f.run("f2");
-    EXPECT_EQ(f.page.FieldText[2], "1001"); // no "=": nothing
 }
 
-TEST(RunStatement, VariablesKeepTextUnlessAPositiveExpression)
+TEST(RunStatement, VariablesComparisonsAndFunctionForms)
 {
     Fixture f(makeDesign(1));
-    f.run("v1=2+3");
-    EXPECT_EQ(f.context.FormulaVars[1], "5");
-    f.run("v2=(5+1)");
-    EXPECT_EQ(f.context.FormulaVars[2], "(5+1)");
-    f.run("v3=0+3");
-    EXPECT_EQ(f.context.FormulaVars[3], "0+3");
-    f.run("V99=\"quoted\"");
-    EXPECT_EQ(f.context.FormulaVars[99], "quoted");
-    f.run("v4=6m4");
-    EXPECT_EQ(f.context.FormulaVars[4], "6m4"); // only an upper-case M counts here
-}
-
-TEST(RunStatement, ComparisonsOnTheRightSide)
-{
-    Fixture f(makeDesign(1));
-    f.run("v1=12>10");
-    EXPECT_EQ(f.context.FormulaVars[1], "True");
-    f.run("v1=5>=10"); // cut at "=": "5>" against nothing
-    EXPECT_EQ(f.context.FormulaVars[1], "True");
-    f.run("v1=-3>=10");
-    EXPECT_EQ(f.context.FormulaVars[1], "False");
-    f.run("v1=NOT(5>3)");
-    EXPECT_EQ(f.context.FormulaVars[1], "False");
-    f.run("v1=2+2<5");
-    EXPECT_EQ(f.context.FormulaVars[1], "True");
-}
-
-TEST(RunStatement, FunctionForms)
-{
-    Fixture f(makeDesign(1));
-    f.run("v1=CUR2(5)");
-    EXPECT_EQ(f.context.FormulaVars[1], "$5.00");
-    f.run("v1=CUR1(1234.5)");
-    EXPECT_EQ(f.context.FormulaVars[1], "$1,234.5");
-    f.run("v1=num0(1234.5)");
-    EXPECT_EQ(f.context.FormulaVars[1], "1,235");
-    f.run("v1=NUM2(1,234.567)");
-    EXPECT_EQ(f.context.FormulaVars[1], "1,234.57");
-    f.run("v1=CUR(2.5)");
-    EXPECT_EQ(f.context.FormulaVars[1], "Two_Dollars_and_Fifty_Cents");
     f.run("v2=CUR2(5*2)");
     EXPECT_FALSE(f.last.ok());
     EXPECT_EQ(f.context.FormulaVars[2], "");
+    const struct {
+        const char *statement;
+        int var;
+        const char *expected;
+    } rows[] = {
+        // Text is kept unless the right side is a positive expression.
+        {"v1=2+3", 1, "5"}, {"v2=(5+1)", 2, "(5+1)"}, {"v3=0+3", 3, "0+3"}, {"V99=\"quoted\"", 99, "quoted"},
+        {"v4=6m4", 4, "6m4"}, // only an upper-case M counts here
+        // Comparisons on the right side.
+        {"v1=5>=10", 1, "True"}, // cut at "=": "5>" against nothing
+        {"v1=12>10", 1, "True"}, {"v1=-3>=10", 1, "False"}, {"v1=NOT(5>3)", 1, "False"}, {"v1=2+2<5", 1, "True"},
+        // Function forms.
+        {"v1=CUR2(5)", 1, "$5.00"}, {"v1=CUR1(1234.5)", 1, "$1,234.5"}, {"v1=num0(1234.5)", 1, "1,235"},
+        {"v1=NUM2(1,234.567)", 1, "1,234.57"},
+        {"v1=CUR(2.5)", 1, "Two_Dollars_and_Fifty_Cents"},
+    };
+    for (const auto &row : rows) {
+        f.run(QLatin1String(row.statement));
+        EXPECT_EQ(f.context.FormulaVars[row.var], QLatin1String(row.expected)) << row.statement;
+    }
 }
 
-TEST(RunStatement, MessagesAndTheirCleaning)
+TEST(RunStatement, MessagesNotesCombosAndChecks)
 {
     Fixture f(makeDesign(1));
     f.run("msg=MSGBOX(1,000)");
     f.run("MsgBox=Hello_there,_you");
     EXPECT_EQ(f.host.messages, (QStringList{"Invoices|1000|16744576", "Invoices|Hello_there,_you|16744576"}));
-}
-
-TEST(RunStatement, NotesCombosAndChecks)
-{
-    Fixture f(makeDesign(1));
     f.engine.RunFormulas();
     f.run("M2=a_b");
     EXPECT_EQ(f.page.NoteText[2], "a b");
