@@ -3,6 +3,7 @@
 // `calls`, such as "navigate 2" or "open notepad.exe|a.txt".
 
 #include "entry/EntryHost.h"
+#include "entry/FieldEntry.h"
 
 #include <QSet>
 #include <QString>
@@ -60,5 +61,16 @@ private:
         return {};
     }
 };
+
+// Focus, the keys one by one as the window would apply them, then leaving.
+inline void typeInto(FieldEntry &entry, Page &page, int index, const QString &keys)
+{
+    entry.fieldGotFocus(index);
+    page.FieldText[index].clear();
+    for (QChar key : keys)
+        if (const QChar c = entry.fieldKeyPress(index, key); !c.isNull())
+            page.FieldText[index] += c;
+    entry.fieldLostFocus(index);
+}
 
 } // namespace ff::test

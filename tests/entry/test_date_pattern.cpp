@@ -50,12 +50,10 @@ TEST(DatePatternTextTest, QuotedAndEscapedTextStandsAsItIs)
 TEST(PageClockTest, TimeAndDateByTheClockFormat)
 {
     const QDateTime when(QDate(2024, 2, 5), QTime(15, 4, 0));
-    EXPECT_EQ(PageClock::text(when, 0, kUs), QStringLiteral("3:04pm"));
-    EXPECT_EQ(PageClock::text(when, 1, kUs), QStringLiteral("3:04pm  Monday 05-Feb-2024"));
-    EXPECT_EQ(PageClock::text(when, 2, kUs), QStringLiteral("3:04pm  05-February-2024"));
-    EXPECT_EQ(PageClock::text(when, 3, kUs), QStringLiteral("3:04pm  05-02-2024"));
-    EXPECT_EQ(PageClock::text(when, 4, kUs), QStringLiteral("3:04pm  02-05-2024"));
-    EXPECT_EQ(PageClock::text(when, 5, kUs), QStringLiteral("3:04pm  2024-02-05"));
+    const char *byFormat[] = {"3:04pm",           "3:04pm  Monday 05-Feb-2024", "3:04pm  05-February-2024",
+                              "3:04pm  05-02-2024", "3:04pm  02-05-2024",         "3:04pm  2024-02-05"};
+    for (int format = 0; format <= 5; ++format)
+        EXPECT_EQ(PageClock::text(when, format, kUs), QLatin1String(byFormat[format])) << format;
     EXPECT_EQ(PageClock::text(QDateTime(QDate(2024, 2, 5), QTime(0, 30)), 0, kUs), QStringLiteral("12:30am"));
 }
 

@@ -1,6 +1,8 @@
 // The entry rules over the real formula library: typing, leaving and page buttons recalculate the
 // page through FormulaEntryHost. The locale is pinned to en_US.
 
+#include "RecordingHost.h"
+
 #include "entry/FieldEntry.h"
 #include "entry/FormulaEntryHost.h"
 #include "entry/PageActions.h"
@@ -61,15 +63,7 @@ protected:
         actions = std::make_unique<PageActions>(*page, *host, entry->state());
     }
 
-    void type(int index, const QString &keys)
-    {
-        entry->fieldGotFocus(index);
-        page->FieldText[index].clear();
-        for (QChar key : keys)
-            if (const QChar c = entry->fieldKeyPress(index, key); !c.isNull())
-                page->FieldText[index] += c;
-        entry->fieldLostFocus(index);
-    }
+    void type(int index, const QString &keys) { ff::test::typeInto(*entry, *page, index, keys); }
 
     Design design;
     FormulaContext context;
