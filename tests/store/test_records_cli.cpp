@@ -47,6 +47,9 @@ protected:
         ASSERT_TRUE(build.waitForFinished(30000));
         ASSERT_EQ(build.exitCode(), 0) << build.readAllStandardError().constData();
     }
+    // flatform-cli records IMAGE --data DATA args...
+    CliRun onData(const QStringList &args) const { return cli(QStringList{image, QStringLiteral("--data"), data} + args); }
+
     QTemporaryDir dir;
     QString image = dir.filePath(QStringLiteral("contacts.exe"));
     QString data = dir.filePath(QStringLiteral("people.dat"));
@@ -56,36 +59,36 @@ protected:
 
 TEST_F(RecordsCli, AddsChangesAndShowsRecords)
 {
-    EXPECT_NE(cli({image, QStringLiteral("--data"), data, QStringLiteral("count")}).code, 0); // no file yet
-    EXPECT_EQ(cli({image, QStringLiteral("--data"), data, QStringLiteral("new")}).out, QStringLiteral("2\n"));
-    EXPECT_EQ(cli({image, QStringLiteral("--data"), data, QStringLiteral("new")}).out, QStringLiteral("3\n"));
-    CliRun set = cli({image, QStringLiteral("--data"), data, QStringLiteral("set"), QStringLiteral("2"), QStringLiteral("F1=Müller"),
-                   QStringLiteral("k0=0"), QStringLiteral("M1=a\\nb")});
+    EXPECT_NE(onData({QStringLiteral("count")}).code, 0); // no file yet
+    EXPECT_EQ(onData({QStringLiteral("new")}).out, QStringLiteral("2\n"));
+    EXPECT_EQ(onData({QStringLiteral("new")}).out, QStringLiteral("3\n"));
+    CliRun set = onData({QStringLiteral("set"), QStringLiteral("2"), QStringLiteral("F1=Müller"),
+                          QStringLiteral("k0=0"), QStringLiteral("M1=a\\nb")});
     ASSERT_EQ(set.code, 0) << set.err.toStdString();
-    const CliRun shown = cli({image, QStringLiteral("--data"), data, QStringLiteral("show"), QStringLiteral("2")});
+    const CliRun shown = onData({QStringLiteral("show"), QStringLiteral("2")});
     EXPECT_TRUE(shown.out.startsWith(QStringLiteral("F1\tMüller\n"))) << shown.out.toStdString();
     EXPECT_TRUE(shown.out.contains(QStringLiteral("\nK0\t0\n")));
     EXPECT_TRUE(shown.out.contains(QStringLiteral("\nM1\ta\\nb\n")));
-    EXPECT_EQ(cli({image, QStringLiteral("--data"), data, QStringLiteral("count")}).out, QStringLiteral("3\n"));
-    const CliRun list = cli({image, QStringLiteral("--data"), data, QStringLiteral("list")});
+    EXPECT_EQ(onData({QStringLiteral("count")}).out, QStringLiteral("3\n"));
+    const CliRun list = onData({QStringLiteral("list")});
     EXPECT_EQ(list.out.count(QLatin1Char('\n')), 3);
     EXPECT_TRUE(list.out.contains(QStringLiteral("\n2\tMüller\t")));
 
     // Bad input writes nothing.
     const QByteArray before = bytesOf(data);
-    EXPECT_EQ(cli({image, QStringLiteral("--data"), data, QStringLiteral("set"), QStringLiteral("2"), QStringLiteral("Z9=x")}).code, 2);
-    EXPECT_NE(cli({image, QStringLiteral("--data"), data, QStringLiteral("show"), QStringLiteral("9")}).code, 0);
+    EXPECT_EQ(onData({QStringLiteral("set"), QStringLiteral("2"), QStringLiteral("Z9=x")}).code, 2);
+    EXPECT_NE(onData({QStringLiteral("show"), QStringLiteral("9")}).code, 0);
     EXPECT_EQ(bytesOf(data), before);
 
-    EXPECT_EQ(cli({image, QStringLiteral("--data"), data, QStringLiteral("clear"), QStringLiteral("2")}).code, 0);
-    EXPECT_TRUE(cli({image, QStringLiteral("--data"), data, QStringLiteral("show"), QStringLiteral("2")}).out.startsWith(QStringLiteral("F1\t\n")));
+    EXPECT_EQ(onData({QStringLiteral("clear"), QStringLiteral("2")}).code, 0);
+    EXPECT_TRUE(onData({QStringLiteral("show"), QStringLiteral("2")}).out.startsWith(QStringLiteral("F1\t\n")));
 }
 
 TEST_F(RecordsCli, HeldRecordAndReadOnlyFileAreNotWritten)
 {
     for (int k = 0; k < 3; ++k)
-        ASSERT_EQ(cli({image, QStringLiteral("--data"), data, QStringLiteral("new")}).code, 0);
-    ASSERT_EQ(cli({image, QStringLiteral("--data"), data, QStringLiteral("set"), QStringLiteral("3"), QStringLiteral("F1=old")}).code, 0);
+        ASSERT_EQ(onData({QStringLiteral("new")}).code, 0);
+    ASSERT_EQ(onData({QStringLiteral("set"), QStringLiteral("3"), QStringLiteral("F1=old")}).code, 0);
 
     // This process holds record 3.
     const DesignLoad load = ReadDesign(image);
@@ -95,22 +98,22 @@ TEST_F(RecordsCli, HeldRecordAndReadOnlyFileAreNotWritten)
     ASSERT_TRUE(holder.store.JumpToRecord(3));
     ASSERT_TRUE(holder.store.LockRecord());
     const QByteArray before = bytesOf(data);
-    const CliRun refused = cli({image, QStringLiteral("--data"), data, QStringLiteral("set"), QStringLiteral("3"), QStringLiteral("F1=new")});
+    const CliRun refused = onData({QStringLiteral("set"), QStringLiteral("3"), QStringLiteral("F1=new")});
     EXPECT_EQ(refused.code, 1);
     EXPECT_TRUE(refused.err.contains(QStringLiteral("in use by another user"))) << refused.err.toStdString();
     EXPECT_EQ(bytesOf(data), before);
     // Another record is free.
-    EXPECT_EQ(cli({image, QStringLiteral("--data"), data, QStringLiteral("set"), QStringLiteral("4"), QStringLiteral("F1=free")}).code, 0);
+    EXPECT_EQ(onData({QStringLiteral("set"), QStringLiteral("4"), QStringLiteral("F1=free")}).code, 0);
     holder.store.UnlockRecord();
-    EXPECT_EQ(cli({image, QStringLiteral("--data"), data, QStringLiteral("set"), QStringLiteral("3"), QStringLiteral("F1=new")}).code, 0);
+    EXPECT_EQ(onData({QStringLiteral("set"), QStringLiteral("3"), QStringLiteral("F1=new")}).code, 0);
 
     const QByteArray after = bytesOf(data);
     QFile::setPermissions(data, QFileDevice::ReadOwner);
-    const CliRun readOnly = cli({image, QStringLiteral("--data"), data, QStringLiteral("set"), QStringLiteral("3"), QStringLiteral("F1=x")});
+    const CliRun readOnly = onData({QStringLiteral("set"), QStringLiteral("3"), QStringLiteral("F1=x")});
     EXPECT_EQ(readOnly.code, 1);
     EXPECT_TRUE(readOnly.err.contains(QStringLiteral("read-only")));
-    EXPECT_NE(cli({image, QStringLiteral("--data"), data, QStringLiteral("new")}).code, 0);
-    EXPECT_TRUE(cli({image, QStringLiteral("--data"), data, QStringLiteral("show"), QStringLiteral("3")}).out.startsWith(QStringLiteral("F1\tnew\n")));
+    EXPECT_NE(onData({QStringLiteral("new")}).code, 0);
+    EXPECT_TRUE(onData({QStringLiteral("show"), QStringLiteral("3")}).out.startsWith(QStringLiteral("F1\tnew\n")));
     EXPECT_EQ(bytesOf(data), after);
     QFile::setPermissions(data, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
 }
