@@ -172,6 +172,11 @@ bool BlockReader::readTextBytes(QByteArray &bytes)
     if (!need(2))
         return false;
     const int16_t length = static_cast<int16_t>(static_cast<uint16_t>(little<uint16_t>(data_ + pos_) - salt));
+    return takeTextBytes(length, bytes);
+}
+
+bool BlockReader::takeTextBytes(int16_t length, QByteArray &bytes)
+{
     if (length < 0) {
         fail(ErrorCode::Invalid, QStringLiteral("text length %1 is negative").arg(length));
         return false;
@@ -189,16 +194,7 @@ bool BlockReader::readPlainTextBytes(QByteArray &bytes)
     if (!need(2))
         return false;
     const int16_t length = little<int16_t>(data_ + pos_);
-    if (length < 0) {
-        fail(ErrorCode::Invalid, QStringLiteral("text length %1 is negative").arg(length));
-        return false;
-    }
-    pos_ += 2;
-    if (!need(length))
-        return false;
-    bytes = QByteArray(reinterpret_cast<const char *>(data_ + pos_), length);
-    pos_ += length;
-    return true;
+    return takeTextBytes(length, bytes);
 }
 
 void BlockReader::skipText()

@@ -43,6 +43,8 @@ public:
     bool readSlot(Slot &slot);
     bool readTextBytes(QByteArray &bytes);      // salted
     bool readPlainTextBytes(QByteArray &bytes); // 16-bit length, no salt
+    // Both text forms after their length is known: a negative length fails, else the bytes follow.
+    bool takeTextBytes(int16_t length, QByteArray &bytes);
 
     // The IO of DesignLayout.
     void item(bool &value);
