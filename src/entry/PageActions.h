@@ -30,7 +30,7 @@ public:
 
     // A press on label Title(index).
     void labelPressed(int index);
-    // A press on button Command1(index).
+    // A press on the page button with this index.
     void buttonPressed(int index);
 
     // A press on picture Pixbox(index): its hint goes to the status line and its link is opened.

@@ -6,18 +6,18 @@
 #include "entry/PageClock.h"
 #include "formula/DateNumber.h"
 #include "formula/FieldFormat.h"
-#include "gui/Form1.h"
-#include "gui/Form2Host.h"
-#include "gui/Form3.h"
-#include "gui/Form6.h"
-#include "gui/Form7.h"
+#include "gui/SearchLineWindow.h"
+#include "gui/MainWindowHost.h"
+#include "gui/ResultsWindow.h"
+#include "gui/UsersWindow.h"
+#include "gui/FindReplaceWindow.h"
 #include "gui/PageBinder.h"
 #include "gui/PageCanvas.h"
-#include "gui/Passit.h"
+#include "gui/LoginWindow.h"
 #include "search/SearchNames.h"
 #include "store/Database.h"
 #include "toolkit/Calculator.h"
-#include "toolkit/Clc.h"
+#include "toolkit/CalendarWindow.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -48,7 +48,7 @@ namespace ff::gui {
 // The database is made before the window's host exists; its messages go through this relay.
 class RelayHost : public StoreHost {
 public:
-    Form2Host *to = nullptr;
+    MainWindowHost *to = nullptr;
     void ShowMessage(const QString &caption, const QString &text, int color) override
     {
         if (to)
@@ -81,7 +81,7 @@ MainWindow::MainWindow(AppPaths paths, DesignLoad load, QWidget *parent)
     hooks_ = std::make_unique<EngineFormulaHooks>(context_);
     relay_ = std::make_unique<RelayHost>();
     db_ = std::make_unique<Database>(std::move(load.design), paths_, relay_.get(), hooks_.get());
-    host_ = std::make_unique<Form2Host>(*db_, context_, this);
+    host_ = std::make_unique<MainWindowHost>(*db_, context_, this);
     relay_->to = host_.get();
     context_.host = host_.get();
     host_->recordShown = [this] { recordShown(); };
@@ -91,18 +91,18 @@ MainWindow::MainWindow(AppPaths paths, DesignLoad load, QWidget *parent)
     };
     // A page button's search line: a results window of its own, without the final message.
     host_->searchLine = [this](const QString &line) {
-        Form3::Request request;
+        ResultsWindow::Request request;
         request.line = line;
         request.silent = true;
         const EntryState &state = entry_->state();
         request.focus = SearchNames(design(), db_->store().layout())
                             .describe(static_cast<SearchKind>(int(state.focusKind)), state.focusIndex);
-        Form3::start(*this, request);
+        ResultsWindow::start(*this, request);
     };
 
     db_->start();
     // The login runs before anything of the data shows; a refused login ends the program.
-    if (!Passit::runLogin(*db_, this)) {
+    if (!LoginWindow::runLogin(*db_, this)) {
         loginRefused_ = true;
         endingNow_ = true;
         return;
@@ -151,9 +151,9 @@ void MainWindow::buildToolbar()
     QAction *create = menu->addAction(st->standardIcon(QStyle::SP_FileDialogNewFolder), createCaption, this,
                                       [this] { chooseDataFile(true); });
     menu->addSeparator();
-    if (Form6::offeredTo(*db_)) {
+    if (UsersWindow::offeredTo(*db_)) {
         QAction *users = menu->addAction(d.CaptionRun[9].isEmpty() ? tr("&Users...") : d.CaptionRun[9], this,
-                                         [this] { Form6::runUsers(*db_, this); });
+                                         [this] { UsersWindow::runUsers(*db_, this); });
         users->setObjectName(QStringLiteral("Passmenu"));
         menu->addSeparator();
     }
@@ -173,43 +173,43 @@ void MainWindow::buildToolbar()
         b->setToolTip(tips[i]);
         b->setAccessibleName(tips[i]);
         connect(b, &QToolButton::clicked, this, [this, i] { host_->navigate(i); });
-        Command2[size_t(i)] = b;
+        navigationButtons_[size_t(i)] = b;
         if (i == 3) {
-            Text1 = new QLineEdit(bar);
-            Text1->setValidator(new QIntValidator(1, 2000000000, Text1));
-            Text1->setAlignment(Qt::AlignCenter);
-            Text1->setMaximumWidth(90);
-            Text1->setAccessibleName(tr("Record number"));
-            Text1->setToolTip(tr("Record number: type one and press Enter"));
-            connect(Text1, &QLineEdit::returnPressed, this, &MainWindow::jumpToTypedRecord);
-            bar->addWidget(Text1);
+            recordBox_ = new QLineEdit(bar);
+            recordBox_->setValidator(new QIntValidator(1, 2000000000, recordBox_));
+            recordBox_->setAlignment(Qt::AlignCenter);
+            recordBox_->setMaximumWidth(90);
+            recordBox_->setAccessibleName(tr("Record number"));
+            recordBox_->setToolTip(tr("Record number: type one and press Enter"));
+            connect(recordBox_, &QLineEdit::returnPressed, this, &MainWindow::jumpToTypedRecord);
+            bar->addWidget(recordBox_);
         }
         bar->addWidget(b);
     }
-    Newbut = new QToolButton(bar);
-    Newbut->setIcon(st->standardIcon(QStyle::SP_FileIcon));
-    Newbut->setText(tr("New"));
-    Newbut->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    Newbut->setToolTip(d.CaptionRun[6].isEmpty() ? tr("New record") : tipOf(d.CaptionRun[6]));
-    Newbut->setAccessibleName(tr("New record"));
-    connect(Newbut, &QToolButton::clicked, this, [this] { host_->newRecord(); });
+    newButton_ = new QToolButton(bar);
+    newButton_->setIcon(st->standardIcon(QStyle::SP_FileIcon));
+    newButton_->setText(tr("New"));
+    newButton_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    newButton_->setToolTip(d.CaptionRun[6].isEmpty() ? tr("New record") : tipOf(d.CaptionRun[6]));
+    newButton_->setAccessibleName(tr("New record"));
+    connect(newButton_, &QToolButton::clicked, this, [this] { host_->newRecord(); });
     bar->addSeparator();
-    bar->addWidget(Newbut);
+    bar->addWidget(newButton_);
     buildSearchCommands(bar);
 
-    Image8 = new QToolButton(bar);
-    Image8->setIcon(st->standardIcon(QStyle::SP_CommandLink));
-    Image8->setAccessibleName(tr("Field action"));
-    connect(Image8, &QToolButton::clicked, this, [this] {
+    actionButton_ = new QToolButton(bar);
+    actionButton_->setIcon(st->standardIcon(QStyle::SP_CommandLink));
+    actionButton_->setAccessibleName(tr("Field action"));
+    connect(actionButton_, &QToolButton::clicked, this, [this] {
         if (actions_->actionButtonClicked())
-            Timer1->start();
+            stopWatchTimer_->start();
         else if (!actions_->stopWatch().running())
-            Timer1->stop();
+            stopWatchTimer_->stop();
     });
     bar->addSeparator();
-    QAction *actionItem = bar->addWidget(Image8);
+    QAction *actionItem = bar->addWidget(actionButton_);
     actionItem->setVisible(false);
-    Image8->setProperty("toolbarAction", QVariant::fromValue(static_cast<QObject *>(actionItem)));
+    actionButton_->setProperty("toolbarAction", QVariant::fromValue(static_cast<QObject *>(actionItem)));
 
     auto *tools = menuBar()->addMenu(tr("&Tools"));
     tools->addAction(tr("&Calculator"), this, [this] {
@@ -224,13 +224,13 @@ void MainWindow::buildToolbar()
         create->setVisible(false);
     create->setObjectName(QStringLiteral("newin"));
 
-    Timer1 = new QTimer(this);
-    Timer1->setInterval(1000);
-    connect(Timer1, &QTimer::timeout, this, [this] { actions_->stopWatchTick(); });
-    Timer2 = new QTimer(this);
-    Timer2->setInterval(1000);
-    connect(Timer2, &QTimer::timeout, this, &MainWindow::updateClock);
-    Timer2->start();
+    stopWatchTimer_ = new QTimer(this);
+    stopWatchTimer_->setInterval(1000);
+    connect(stopWatchTimer_, &QTimer::timeout, this, [this] { actions_->stopWatchTick(); });
+    clockTimer_ = new QTimer(this);
+    clockTimer_->setInterval(1000);
+    connect(clockTimer_, &QTimer::timeout, this, &MainWindow::updateClock);
+    clockTimer_->start();
 }
 
 void MainWindow::buildPage()
@@ -294,26 +294,26 @@ void MainWindow::buildSearchCommands(QToolBar *bar)
                                  d.CaptionRun[20].isEmpty() ? tr("Sort &down") : d.CaptionRun[20],
                                  d.Finden3Caption};
     for (int i = 0; i < 4; ++i) {
-        FindenLab[size_t(i)] = menu->addAction(captions[i], this, [this, i] { Finden(i); });
-        FindenLab[size_t(i)]->setToolTip(tipOf(captions[i]));
+        findActions_[size_t(i)] = menu->addAction(captions[i], this, [this, i] { Finden(i); });
+        findActions_[size_t(i)]->setToolTip(tipOf(captions[i]));
     }
-    FindenLab[0]->setShortcut(QKeySequence::Find);
-    FindenLab[0]->setIcon(style()->standardIcon(QStyle::SP_FileDialogContentsView));
-    FindenLab[1]->setIcon(style()->standardIcon(QStyle::SP_ArrowUp));
-    FindenLab[2]->setIcon(style()->standardIcon(QStyle::SP_ArrowDown));
+    findActions_[0]->setShortcut(QKeySequence::Find);
+    findActions_[0]->setIcon(style()->standardIcon(QStyle::SP_FileDialogContentsView));
+    findActions_[1]->setIcon(style()->standardIcon(QStyle::SP_ArrowUp));
+    findActions_[2]->setIcon(style()->standardIcon(QStyle::SP_ArrowDown));
     // Without a caption there is no find-and-replace command.
-    FindenLab[3]->setVisible(!d.Finden3Caption.isEmpty());
+    findActions_[3]->setVisible(!d.Finden3Caption.isEmpty());
 
-    Image3 = new QToolButton(bar);
-    Image3->setDefaultAction(FindenLab[0]);
-    Image3->setToolTip(tipOf(d.CaptionRun[14]));
-    Image3->setAccessibleName(tr("Search"));
+    searchButton_ = new QToolButton(bar);
+    searchButton_->setDefaultAction(findActions_[0]);
+    searchButton_->setToolTip(tipOf(d.CaptionRun[14]));
+    searchButton_->setAccessibleName(tr("Search"));
     bar->addSeparator();
-    QAction *item = bar->addWidget(Image3);
+    QAction *item = bar->addWidget(searchButton_);
     item->setVisible(!d.CaptionRun[14].isEmpty());
     for (int i = 1; i <= 2; ++i) {
         auto *b = new QToolButton(bar);
-        b->setDefaultAction(FindenLab[size_t(i)]);
+        b->setDefaultAction(findActions_[size_t(i)]);
         bar->addWidget(b);
     }
 }
@@ -322,18 +322,18 @@ void MainWindow::Finden(int command)
 {
     switch (command) {
     case 0:
-        if (!form1_)
-            form1_ = new Form1(*this);
-        form1_->open();
+        if (!searchWindow_)
+            searchWindow_ = new SearchLineWindow(*this);
+        searchWindow_->open();
         break;
     case 1:
-    case 2: Form7::sortByFocusedField(*this, command); break;
+    case 2: FindReplaceWindow::sortByFocusedField(*this, command); break;
     case 3:
-        if (!FindenLab[3]->isVisible())
+        if (!findActions_[3]->isVisible())
             return;
-        if (!form7_)
-            form7_ = new Form7(*this);
-        form7_->open();
+        if (!replaceWindow_)
+            replaceWindow_ = new FindReplaceWindow(*this);
+        replaceWindow_->open();
         break;
     default: break;
     }
@@ -381,8 +381,8 @@ void MainWindow::openData(int mode)
                               QPixmap(QDir(paths_.AppFolder).filePath(QStringLiteral("0.jpg"))));
     binder_->refreshAll();
     const bool writable = db_->store().writingAllowed();
-    Newbut->setEnabled(writable);
-    FindenLab[3]->setVisible(writable && !design().Finden3Caption.isEmpty());
+    newButton_->setEnabled(writable);
+    findActions_[3]->setVisible(writable && !design().Finden3Caption.isEmpty());
     if (design().AutoRunButton == 1 && !design().Buttons.empty()) {
         db_->store().RecordDirty = false;
         actions_->buttonPressed(0);
@@ -426,7 +426,7 @@ void MainWindow::recordShown()
 {
     const RecordStore &s = db_->store();
     context_.RecordCount = s.RecordCount;
-    Text1->setText(QString::number(s.CurrentRecord));
+    recordBox_->setText(QString::number(s.CurrentRecord));
     QString text;
     if (!loadError_.text.isEmpty())
         text = tr("The design could not be read completely: %1").arg(loadError_.text);
@@ -448,7 +448,7 @@ void MainWindow::showPage(int page) { db_->page().setCurrentPage(page); }
 void MainWindow::jumpToTypedRecord()
 {
     bool ok = false;
-    const int n = Text1->text().toInt(&ok);
+    const int n = recordBox_->text().toInt(&ok);
     if (ok && n >= 1 && n <= db_->store().RecordCount) {
         db_->store().JumpToRecord(n);
     }
@@ -457,10 +457,10 @@ void MainWindow::jumpToTypedRecord()
 
 void MainWindow::showAction(const FieldAction &action)
 {
-    auto *item = qobject_cast<QAction *>(Image8->property("toolbarAction").value<QObject *>());
+    auto *item = qobject_cast<QAction *>(actionButton_->property("toolbarAction").value<QObject *>());
     if (item)
         item->setVisible(action.visible());
-    Image8->setToolTip(action.tip);
+    actionButton_->setToolTip(action.tip);
 }
 
 void MainWindow::pickDate(int field)
@@ -471,7 +471,7 @@ void MainWindow::pickDate(int field)
     const int type = design().Fields[size_t(field)].FieldType;
     const double old = page.FieldDate.value(field);
     QDate start = old != 0 ? DateFromNumber(old).date() : QDate::currentDate();
-    toolkit::Clc calendar(start, this);
+    toolkit::CalendarWindow calendar(start, this);
     if (calendar.exec() != QDialog::Accepted || !calendar.pickedDate().isValid())
         return;
     // The picked day keeps the time of day the field held.
@@ -494,8 +494,8 @@ void MainWindow::closeEvent(QCloseEvent *event)
         event->accept();
         return;
     }
-    Timer1->stop();
-    Timer2->stop();
+    stopWatchTimer_->stop();
+    clockTimer_->stop();
     // Leaving the page saves a dirty record and rewrites the per-user file; "END" ends at once.
     if (!endingNow_) {
         if (QWidget *focus = QApplication::focusWidget())

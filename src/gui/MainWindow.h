@@ -30,9 +30,9 @@ class PageActions;
 
 namespace ff::gui {
 
-class Form1;
-class Form2Host;
-class Form7;
+class SearchLineWindow;
+class MainWindowHost;
+class FindReplaceWindow;
 class PageBinder;
 class PageCanvas;
 class RelayHost;
@@ -45,22 +45,22 @@ public:
 
     const Design &design() const;
     Database &database() { return *db_; }
-    Form2Host &host() { return *host_; }
+    MainWindowHost &host() { return *host_; }
     FieldEntry &entry() { return *entry_; }
     PageCanvas *canvas() const { return canvas_; }
     QTabBar *pageTabs() const { return tabs_; }
-    QLineEdit *recordBox() const { return Text1; }
-    QToolButton *navigationButton(int i) const { return Command2[size_t(i)]; }
-    QToolButton *newButton() const { return Newbut; }
+    QLineEdit *recordBox() const { return recordBox_; }
+    QToolButton *navigationButton(int i) const { return navigationButtons_[size_t(i)]; }
+    QToolButton *newButton() const { return newButton_; }
     QString statusText() const;
     FormulaContext &context() { return context_; }
 
     // The find commands: 0 the search window, 1 sort up, 2 sort down, 3 find and replace.
     void Finden(int command);
-    Form1 *searchWindow() const { return form1_; }
-    Form7 *replaceWindow() const { return form7_; }
-    QAction *findenAction(int command) const { return FindenLab[size_t(command)]; }
-    QToolButton *searchButton() const { return Image3; }
+    SearchLineWindow *searchWindow() const { return searchWindow_; }
+    FindReplaceWindow *replaceWindow() const { return replaceWindow_; }
+    QAction *findenAction(int command) const { return findActions_[size_t(command)]; }
+    QToolButton *searchButton() const { return searchButton_; }
     // False when the login was refused: the program ends without showing the window.
     bool started() const { return !loginRefused_; }
 
@@ -91,7 +91,7 @@ private:
     std::unique_ptr<EngineFormulaHooks> hooks_;
     std::unique_ptr<RelayHost> relay_;
     std::unique_ptr<Database> db_;
-    std::unique_ptr<Form2Host> host_;
+    std::unique_ptr<MainWindowHost> host_;
     std::unique_ptr<FieldEntry> entry_;
     std::unique_ptr<PageActions> actions_;
     PageCanvas *canvas_ = nullptr;
@@ -100,16 +100,16 @@ private:
     QScrollArea *scroll_ = nullptr;
     QLabel *status_ = nullptr;
     QLabel *clock_ = nullptr;
-    std::array<QToolButton *, 6> Command2{};
-    QToolButton *Newbut = nullptr;
-    QToolButton *Image8 = nullptr; // the action button of the focused field
-    QLineEdit *Text1 = nullptr;
-    QTimer *Timer1 = nullptr; // the stop watch
-    QTimer *Timer2 = nullptr; // the clock
-    QToolButton *Image3 = nullptr; // the search window's icon
-    std::array<QAction *, 4> FindenLab{};
-    Form1 *form1_ = nullptr;
-    Form7 *form7_ = nullptr;
+    std::array<QToolButton *, 6> navigationButtons_{};
+    QToolButton *newButton_ = nullptr;
+    QToolButton *actionButton_ = nullptr; // the action button of the focused field
+    QLineEdit *recordBox_ = nullptr;
+    QTimer *stopWatchTimer_ = nullptr; // the stop watch
+    QTimer *clockTimer_ = nullptr; // the clock
+    QToolButton *searchButton_ = nullptr; // the search window's icon
+    std::array<QAction *, 4> findActions_{};
+    SearchLineWindow *searchWindow_ = nullptr;
+    FindReplaceWindow *replaceWindow_ = nullptr;
     bool endingNow_ = false;
     bool loginRefused_ = false;
 };

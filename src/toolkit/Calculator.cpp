@@ -7,19 +7,19 @@
 
 namespace ff::toolkit {
 
-Calculator::Calculator(QWidget *parent) : QDialog(parent), Readout(new QLabel(this))
+Calculator::Calculator(QWidget *parent) : QDialog(parent), readout_(new QLabel(this))
 {
     setWindowTitle(tr("Calculator"));
     auto *grid = new QGridLayout(this);
-    Readout->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    Readout->setFrameShape(QFrame::Panel);
-    Readout->setFrameShadow(QFrame::Sunken);
-    Readout->setMinimumWidth(220);
-    Readout->setAccessibleName(tr("Readout"));
-    QFont big = Readout->font();
+    readout_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    readout_->setFrameShape(QFrame::Panel);
+    readout_->setFrameShadow(QFrame::Sunken);
+    readout_->setMinimumWidth(220);
+    readout_->setAccessibleName(tr("readout_"));
+    QFont big = readout_->font();
     big.setPointSizeF(14);
-    Readout->setFont(big);
-    grid->addWidget(Readout, 0, 0, 1, 5);
+    readout_->setFont(big);
+    grid->addWidget(readout_, 0, 0, 1, 5);
 
     const auto add = [&](const QString &text, int row, int col, auto action, int span = 1) {
         auto *b = new QPushButton(text, this);
@@ -47,14 +47,14 @@ Calculator::Calculator(QWidget *parent) : QDialog(parent), Readout(new QLabel(th
     refresh();
 }
 
-QString Calculator::readoutText() const { return Readout->text(); }
+QString Calculator::readoutText() const { return readout_->text(); }
 
 void Calculator::refresh()
 {
-    Readout->setText(engine_.readout());
-    QFont f = Readout->font();
+    readout_->setText(engine_.readout());
+    QFont f = readout_->font();
     f.setPointSizeF(engine_.smallFont() ? 8.25 : 14);
-    Readout->setFont(f);
+    readout_->setFont(f);
 }
 
 void Calculator::keyPressEvent(QKeyEvent *event)

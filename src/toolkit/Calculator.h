@@ -22,7 +22,7 @@ protected:
 private:
     void refresh();
     CalculatorEngine engine_;
-    QLabel *Readout;
+    QLabel *readout_;
 };
 
 } // namespace ff::toolkit

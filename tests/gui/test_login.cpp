@@ -2,7 +2,7 @@
 // and then its password, completing on the keystroke that makes the text right, wrong texts that
 // leave the window open, and cancelling, which ends the program.
 
-#include "gui/Passit.h"
+#include "gui/LoginWindow.h"
 #include "store/Database.h"
 #include "support/StoreDesigns.h"
 
@@ -50,14 +50,14 @@ struct Session {
 };
 
 // Runs `act` on the login window once runLogin has opened it.
-std::optional<int> runWith(Database &db, std::function<void(Passit &)> act)
+std::optional<int> runWith(Database &db, std::function<void(LoginWindow &)> act)
 {
     QTimer::singleShot(0, [act] {
-        auto *w = qobject_cast<Passit *>(QApplication::activeModalWidget());
+        auto *w = qobject_cast<LoginWindow *>(QApplication::activeModalWidget());
         QVERIFY(w);
         act(*w);
     });
-    return Passit::runLogin(db);
+    return LoginWindow::runLogin(db);
 }
 
 } // namespace
@@ -68,9 +68,9 @@ private Q_SLOTS:
     void passwordAloneCompletesOnTheRightKeystroke()
     {
         Session s;
-        Passit w(s.db->users(), s.db->codePage(), s.db->design());
+        LoginWindow w(s.db->users(), s.db->codePage(), s.db->design());
         w.show();
-        QSignalSpy spy(&w, &Passit::loggedIn);
+        QSignalSpy spy(&w, &LoginWindow::loggedIn);
         QCOMPARE(w.passwordBox()->echoMode(), QLineEdit::Password);
         QCOMPARE(w.focusWidget(), w.passwordBox());
         QTest::keyClicks(w.passwordBox(), QStringLiteral("secre"));
@@ -86,7 +86,7 @@ private Q_SLOTS:
     void administratorThroughRunLogin()
     {
         Session s;
-        const std::optional<int> user = runWith(*s.db, [](Passit &w) { QTest::keyClicks(w.passwordBox(), QStringLiteral("boss")); });
+        const std::optional<int> user = runWith(*s.db, [](LoginWindow &w) { QTest::keyClicks(w.passwordBox(), QStringLiteral("boss")); });
         QCOMPARE(user, std::optional<int>(0));
         QCOMPARE(s.db->LoginUser, 0);
         QVERIFY(s.db->administrator());
@@ -97,7 +97,7 @@ private Q_SLOTS:
     void nameThenPassword()
     {
         Session s;
-        const std::optional<int> user = runWith(*s.db, [](Passit &w) {
+        const std::optional<int> user = runWith(*s.db, [](LoginWindow &w) {
             QVERIFY(w.nameBox()->isVisible());
             QCOMPARE(w.namePrompt()->text(), QStringLiteral("Name please:"));
             QTest::keyClicks(w.nameBox(), QStringLiteral("an"));
@@ -123,7 +123,7 @@ private Q_SLOTS:
     void wrongTextsLeaveTheWindowOpen()
     {
         Session s;
-        Passit w(s.db->users(), s.db->codePage(), s.db->design());
+        LoginWindow w(s.db->users(), s.db->codePage(), s.db->design());
         w.show();
         QTest::keyClicks(w.passwordBox(), QStringLiteral("bosx"));
         QTest::keyClicks(w.nameBox(), QStringLiteral("carl"));
@@ -139,29 +139,29 @@ private Q_SLOTS:
     void cancelOrCloseEndsTheProgram()
     {
         Session s;
-        const std::optional<int> byButton = runWith(*s.db, [](Passit &w) {
+        const std::optional<int> byButton = runWith(*s.db, [](LoginWindow &w) {
             QTest::keyClicks(w.passwordBox(), QStringLiteral("nope"));
             w.cancelButton()->click();
         });
         QVERIFY(!byButton);
         QCOMPARE(s.db->LoginUser, -1);
-        const std::optional<int> byEscape = runWith(*s.db, [](Passit &w) { QTest::keyClick(&w, Qt::Key_Escape); });
+        const std::optional<int> byEscape = runWith(*s.db, [](LoginWindow &w) { QTest::keyClick(&w, Qt::Key_Escape); });
         QVERIFY(!byEscape);
-        const std::optional<int> byClose = runWith(*s.db, [](Passit &w) { w.close(); });
+        const std::optional<int> byClose = runWith(*s.db, [](LoginWindow &w) { w.close(); });
         QVERIFY(!byClose);
     }
 
     void withoutNamesOrWithoutPassword()
     {
         Session noNames(false);
-        Passit w(noNames.db->users(), noNames.db->codePage(), noNames.db->design());
+        LoginWindow w(noNames.db->users(), noNames.db->codePage(), noNames.db->design());
         w.show();
         QVERIFY(!w.nameBox()->isVisible());
         QVERIFY(w.passwordBox()->isVisible());
         // No administrator password: no login is asked and no window opens.
         Session open(false);
         open.db->users().UserPassword[0].clear();
-        QCOMPARE(Passit::runLogin(*open.db), std::optional<int>(0));
+        QCOMPARE(LoginWindow::runLogin(*open.db), std::optional<int>(0));
         QCOMPARE(open.db->LoginUser, -1);
     }
 };

@@ -6,16 +6,16 @@
 #include "ExampleImage.h"
 #include "core/SettingsStore.h"
 #include "entry/FieldEntry.h"
-#include "gui/Form1.h"
-#include "gui/Form2Host.h"
-#include "gui/Form3.h"
-#include "gui/Form7.h"
+#include "gui/SearchLineWindow.h"
+#include "gui/MainWindowHost.h"
+#include "gui/ResultsWindow.h"
+#include "gui/FindReplaceWindow.h"
 #include "gui/MainWindow.h"
 #include "gui/PageCanvas.h"
 #include "store/Database.h"
-#include "toolkit/Form4.h"
-#include "toolkit/ListPlus.h"
-#include "toolkit/Msgbox8.h"
+#include "toolkit/WaitWindow.h"
+#include "toolkit/SortableList.h"
+#include "toolkit/MessageWindow.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -124,7 +124,7 @@ struct MessageCatcher {
     {
         timer.setInterval(5);
         QObject::connect(&timer, &QTimer::timeout, [this] {
-            auto *box = qobject_cast<toolkit::Msgbox8 *>(QApplication::activeModalWidget());
+            auto *box = qobject_cast<toolkit::MessageWindow *>(QApplication::activeModalWidget());
             if (box && box->isVisible()) {
                 texts << box->messageText();
                 box->okButton()->click();
@@ -134,17 +134,17 @@ struct MessageCatcher {
     }
 };
 
-gui::Form1 *searchFor(gui::MainWindow &w, const QString &line, bool forward = false)
+gui::SearchLineWindow *searchFor(gui::MainWindow &w, const QString &line, bool forward = false)
 {
     w.findenAction(0)->trigger();
-    gui::Form1 *f = w.searchWindow();
+    gui::SearchLineWindow *f = w.searchWindow();
     f->forwardBox()->setChecked(forward);
     f->lineBox()->setEditText(line);
     QTest::keyClick(f->lineBox()->lineEdit(), Qt::Key_Return);
     return f;
 }
 
-QList<gui::Form3 *> resultWindows(gui::MainWindow &w) { return w.findChildren<gui::Form3 *>(); }
+QList<gui::ResultsWindow *> resultWindows(gui::MainWindow &w) { return w.findChildren<gui::ResultsWindow *>(); }
 
 QString recordText(gui::MainWindow &w, int record, int fieldIndex)
 {
@@ -177,10 +177,10 @@ private Q_SLOTS:
         QCOMPARE(SettingsStore::GetSetting(QStringLiteral("../up"), QStringLiteral("a/b"), QStringLiteral("K")), QStringLiteral("v"));
         QVERIFY(QFileInfo(SettingsStore::filePath(QStringLiteral("../up"))).absolutePath() == QDir(settings_.path()).absolutePath());
 
-        QCOMPARE(gui::Form1::storedLines(QString()), QStringList());
-        QCOMPARE(gui::Form1::storedLines(QStringLiteral("{a}{b c}")), (QStringList{"a", "b c"}));
+        QCOMPARE(gui::SearchLineWindow::storedLines(QString()), QStringList());
+        QCOMPARE(gui::SearchLineWindow::storedLines(QStringLiteral("{a}{b c}")), (QStringList{"a", "b c"}));
         // Nothing is escaped: a "}" inside a line cuts it in two when it is read again.
-        QCOMPARE(gui::Form1::storedLines(QStringLiteral("{x}y}{z}")), (QStringList{"x", "y", "z"}));
+        QCOMPARE(gui::SearchLineWindow::storedLines(QStringLiteral("{x}y}{z}")), (QStringList{"x", "y", "z"}));
     }
 
     void storeAndRemoveLines()
@@ -188,7 +188,7 @@ private Q_SLOTS:
         auto o = openContacts();
         gui::MainWindow &w = *o->window;
         w.findenAction(0)->trigger();
-        gui::Form1 *f = w.searchWindow();
+        gui::SearchLineWindow *f = w.searchWindow();
         QVERIFY(f && f->isVisible());
         const QString app = f->applicationKey();
         const QString line = QStringLiteral("select first where visits>2");
@@ -229,9 +229,9 @@ private Q_SLOTS:
     {
         auto o = openContacts();
         gui::MainWindow &w = *o->window;
-        gui::Form1 *f = searchFor(w, QStringLiteral("select first last credit where vip=1"));
+        gui::SearchLineWindow *f = searchFor(w, QStringLiteral("select first last credit where vip=1"));
         QVERIFY(!f->isVisible()); // hidden when the search starts
-        gui::Form3 *r = f->lastResults();
+        gui::ResultsWindow *r = f->lastResults();
 
         QVERIFY(r && r->isVisible());
         QCOMPARE(r->result().rows, (QStringList{"3~Grace~Hopper~50.00", "1~Ada~Lovelace~100.00"})); // newest first
@@ -263,7 +263,7 @@ private Q_SLOTS:
         QVERIFY(r->isVisible());
 
         // Forward: oldest first, in a second window that stands further down.
-        gui::Form3 *r2 = searchFor(w, QStringLiteral("select first where credit>=100"), true)->lastResults();
+        gui::ResultsWindow *r2 = searchFor(w, QStringLiteral("select first where credit>=100"), true)->lastResults();
         QVERIFY(r2 && r2 != r);
         QCOMPARE(r2->result().hits, (QVector<int>{1, 2}));
         QVERIFY(r2->pos().y() > r->pos().y());
@@ -277,12 +277,12 @@ private Q_SLOTS:
         // A plain find looks in the field that had the focus.
         // (The results windows hold the activation: the page's focus rule is called as a focus-in would.)
         w.entry().fieldGotFocus(2);
-        gui::Form1 *f2 = searchFor(w, QStringLiteral("ing"));
+        gui::SearchLineWindow *f2 = searchFor(w, QStringLiteral("ing"));
         QVERIFY(f2->subjectText().contains(QStringLiteral("Last name")));
         QCOMPARE(f2->lastResults()->result().hits, (QVector<int>{2}));
 
         // Closing frees the window.
-        QPointer<gui::Form3> gone = r;
+        QPointer<gui::ResultsWindow> gone = r;
         r->exitButton()->click();
         QTRY_VERIFY(gone.isNull());
     }
@@ -292,7 +292,7 @@ private Q_SLOTS:
         auto o = openContacts();
         gui::MainWindow &w = *o->window;
         MessageCatcher messages;
-        gui::Form1 *f = searchFor(w, QStringLiteral("count vip=1"));
+        gui::SearchLineWindow *f = searchFor(w, QStringLiteral("count vip=1"));
         QCOMPARE(messages.texts, QStringList{"2 Total"});
         QCOMPARE(w.context().CountTotal, 2.0);
         QVERIFY(!f->lastResults()); // nothing to list
@@ -314,14 +314,14 @@ private Q_SLOTS:
         QVERIFY(w.findenAction(3)->isVisible());
         field(w, 3)->setFocus(Qt::MouseFocusReason);
         w.findenAction(3)->trigger();
-        gui::Form7 *f = w.replaceWindow();
+        gui::FindReplaceWindow *f = w.replaceWindow();
         QVERIFY(f && f->isVisible());
         QVERIFY(f->fieldText().contains(QStringLiteral("Company")));
 
         // With match case off a text in another case is found but left as it is.
         f->findBox()->setEditText(QStringLiteral("navy"));
         f->replaceBox()->setEditText(QStringLiteral("Army"));
-        gui::Form7::Outcome out = f->replaceAll();
+        gui::FindReplaceWindow::Outcome out = f->replaceAll();
         QCOMPARE(out.found, 1);
         QCOMPARE(out.changed, 0);
         // Every occurrence goes, and the record on the page shows the stored text.
@@ -342,9 +342,9 @@ private Q_SLOTS:
         f->replaceBox()->setEditText(QString());
         QVERIFY(!f->replaceAll().ran);
         QCOMPARE(recordText(w, 1, 3), QStringLiteral("Analytical"));
-        QCOMPARE(gui::Form7::replacedText(QStringLiteral("abc abc"), QStringLiteral("ABC"), QStringLiteral("x"), false),
+        QCOMPARE(gui::FindReplaceWindow::replacedText(QStringLiteral("abc abc"), QStringLiteral("ABC"), QStringLiteral("x"), false),
                  QStringLiteral("abc abc"));
-        QVERIFY(gui::Form7::replacedText(QStringLiteral("abc"), QStringLiteral("ABC"), QStringLiteral("x"), true).isNull());
+        QVERIFY(gui::FindReplaceWindow::replacedText(QStringLiteral("abc"), QStringLiteral("ABC"), QStringLiteral("x"), true).isNull());
     }
 
     void sortCommandsSetTheBrowseOrder()
@@ -389,7 +389,7 @@ private Q_SLOTS:
         auto *button = qobject_cast<QAbstractButton *>(w.canvas()->buttonWidget(1));
         QVERIFY(button);
         button->click();
-        const QList<gui::Form3 *> windows = resultWindows(w);
+        const QList<gui::ResultsWindow *> windows = resultWindows(w);
         QCOMPARE(windows.size(), 1);
         QCOMPARE(windows.first()->result().hits, (QVector<int>{3, 1}));
         QVERIFY(windows.first()->isVisible());
@@ -417,13 +417,13 @@ private Q_SLOTS:
         QVERIFY(s.refreshCount().ok());
         QCOMPARE(s.RecordCount, total);
 
-        const int step = gui::Form3::ProgressStep;
-        gui::Form3::ProgressStep = 50;
+        const int step = gui::ResultsWindow::ProgressStep;
+        gui::ResultsWindow::ProgressStep = 50;
         QTimer presser;
         presser.setInterval(0);
         bool pressed = false;
         QObject::connect(&presser, &QTimer::timeout, [&] {
-            for (toolkit::Form4 *wait : w.findChildren<toolkit::Form4 *>()) {
+            for (toolkit::WaitWindow *wait : w.findChildren<toolkit::WaitWindow *>()) {
                 const QString p = wait->percentText();
                 if (!pressed && wait->isVisible() && p.endsWith(QLatin1Char('%')) && p != QStringLiteral("0%")) {
                     wait->stopButton()->click();
@@ -432,9 +432,9 @@ private Q_SLOTS:
             }
         });
         presser.start();
-        gui::Form3 *r = searchFor(w, QStringLiteral("select first where vip=1"), true)->lastResults();
+        gui::ResultsWindow *r = searchFor(w, QStringLiteral("select first where vip=1"), true)->lastResults();
         presser.stop();
-        gui::Form3::ProgressStep = step;
+        gui::ResultsWindow::ProgressStep = step;
         QVERIFY(pressed);
         QVERIFY(r);
         QVERIFY(r->result().aborted);

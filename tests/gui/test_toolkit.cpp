@@ -1,9 +1,9 @@
 // The small shared windows: message band, wait window, calculator and calendar.
 
 #include "toolkit/CalculatorEngine.h"
-#include "toolkit/Clc.h"
-#include "toolkit/Form4.h"
-#include "toolkit/Msgbox8.h"
+#include "toolkit/CalendarWindow.h"
+#include "toolkit/WaitWindow.h"
+#include "toolkit/MessageWindow.h"
 
 #include <QComboBox>
 #include <QPushButton>
@@ -21,7 +21,7 @@ private Q_SLOTS:
 
     void messageBandBreaksLinesAndSpansTheScreen()
     {
-        Msgbox8 box;
+        MessageWindow box;
         box.setMessage(QStringLiteral("Title"), QStringLiteral("a|b"), 0x0000FF);
         QCOMPARE(box.messageText(), QStringLiteral("a\nb"));
         box.setMessage(QStringLiteral("Title"), QStringLiteral("one line only"), 0);
@@ -36,9 +36,9 @@ private Q_SLOTS:
 
     void waitWindowRunsItsLightAndStops()
     {
-        Form4 wait;
-        QCOMPARE(Form4::blockGreys(0), (std::array<int, 2>{240, 250}));
-        QCOMPARE(Form4::blockGreys(6), (std::array<int, 2>{90, 100}));
+        WaitWindow wait;
+        QCOMPARE(WaitWindow::blockGreys(0), (std::array<int, 2>{240, 250}));
+        QCOMPARE(WaitWindow::blockGreys(6), (std::array<int, 2>{90, 100}));
         wait.begin();
         for (int i = 0; i < 7; ++i)
             wait.tick();
@@ -124,7 +124,7 @@ private Q_SLOTS:
 
     void calendarPicksAndSteps()
     {
-        Clc clc(QDate(2026, 12, 15));
+        CalendarWindow clc(QDate(2026, 12, 15));
         QCOMPARE(clc.yearList()->count(), 401);
         clc.stepMonth(1);
         QCOMPARE(clc.month(), 1);

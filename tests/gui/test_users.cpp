@@ -2,7 +2,7 @@
 // entry, rights on leaving the box, deleting the selected user shifting the tables, the row
 // colours, scrolling, and the refusal to close without an administrator's password.
 
-#include "gui/Form6.h"
+#include "gui/UsersWindow.h"
 #include "store/Database.h"
 #include "support/StoreDesigns.h"
 
@@ -57,7 +57,7 @@ private Q_SLOTS:
     {
         UserTable t = plainUsers();
         const Design d = titledDesign();
-        Form6 w(t, d);
+        UsersWindow w(t, d);
         w.show();
         QVERIFY(QTest::qWaitForWindowActive(&w));
         QCOMPARE(w.nameBox(2)->text(), QStringLiteral("u2"));
@@ -91,11 +91,11 @@ private Q_SLOTS:
     {
         UserTable t = plainUsers();
         const Design d = titledDesign();
-        Form6 w(t, d);
+        UsersWindow w(t, d);
         w.show();
         QVERIFY(QTest::qWaitForWindowActive(&w));
         w.scrollTo(1000);
-        QCOMPARE(w.firstShown(), kUserCount - Form6::kRows); // 241: row 9 is entry 250
+        QCOMPARE(w.firstShown(), kUserCount - UsersWindow::kRows); // 241: row 9 is entry 250
         QCOMPARE(w.nameBox(9)->text(), QStringLiteral("last"));
         w.nameBox(8)->setFocus();
         QTest::keyClicks(w.nameBox(8), QStringLiteral("x"));
@@ -116,7 +116,7 @@ private Q_SLOTS:
     {
         UserTable t = plainUsers();
         const Design d = titledDesign();
-        Form6 w(t, d);
+        UsersWindow w(t, d);
         w.show();
         QVERIFY(QTest::qWaitForWindowActive(&w));
         w.nameBox(2)->setFocus();
@@ -140,7 +140,7 @@ private Q_SLOTS:
     {
         UserTable t = plainUsers();
         const Design d = titledDesign();
-        Form6 w(t, d);
+        UsersWindow w(t, d);
         QList<Message> messages;
         w.showMessage = [&](const QString &c, const QString &m, int colour) { messages.append({c, m, colour}); };
         w.show();
@@ -175,11 +175,11 @@ private Q_SLOTS:
         const CodePage &cp = db.codePage();
         db.users().UserName[1] = CodeText(QStringLiteral("ann"), cp);
         db.users().UserPassword[1] = CodeText(QStringLiteral("pw"), cp);
-        QVERIFY(Form6::offeredTo(db) == false); // a login is asked and nobody logged in yet
+        QVERIFY(UsersWindow::offeredTo(db) == false); // a login is asked and nobody logged in yet
         db.applyLogin(0, QStringLiteral("boss"));
-        QVERIFY(Form6::offeredTo(db));
+        QVERIFY(UsersWindow::offeredTo(db));
         QTimer::singleShot(0, [] {
-            auto *w = qobject_cast<Form6 *>(QApplication::activeModalWidget());
+            auto *w = qobject_cast<UsersWindow *>(QApplication::activeModalWidget());
             QVERIFY(w);
             QVERIFY(QTest::qWaitForWindowActive(w));
             QCOMPARE(w->passwordBox(0)->text(), QStringLiteral("boss")); // plain while open
@@ -191,7 +191,7 @@ private Q_SLOTS:
             w->readOnlyBox(2)->click();
             w->closeButton()->click();
         });
-        Form6::runUsers(db);
+        UsersWindow::runUsers(db);
         const UserTable &u = db.users();
         QCOMPARE(u.UserPassword[0], CodeText(QStringLiteral("boss"), cp));
         QCOMPARE(u.UserName[1], CodeText(QStringLiteral("ann"), cp));

@@ -18,13 +18,13 @@ class QPushButton;
 
 namespace ff::gui {
 
-class Form3;
+class ResultsWindow;
 class MainWindow;
 
-class Form1 : public QWidget {
+class SearchLineWindow : public QWidget {
     Q_OBJECT
 public:
-    explicit Form1(MainWindow &main);
+    explicit SearchLineWindow(MainWindow &main);
 
     // Shows the window for the field that has the focus on the page.
     void open();
@@ -34,20 +34,20 @@ public:
     // The settings store's application key of this design.
     QString applicationKey() const;
 
-    // Stores the line shown, or removes it when it is stored (the CommLines label's click).
+    // Stores the line shown, or removes it when it is stored (the storeLineLink_ label's click).
     void storeOrRemoveLine();
     // Starts the search of the line shown (Enter or the search button).
     void startSearch();
 
-    QComboBox *lineBox() const { return Text1; }
+    QComboBox *lineBox() const { return lineBox_; }
     QString commLinesText() const { return commLinesText_; }
-    QCheckBox *forwardBox() const { return Fw; }
-    QCheckBox *matchCaseBox() const { return Check1; }
-    QPushButton *searchButton() const { return Comman2; }
+    QCheckBox *forwardBox() const { return forwardBox_; }
+    QCheckBox *matchCaseBox() const { return matchCaseBox_; }
+    QPushButton *searchButton() const { return searchButton_; }
     QString subjectText() const;
     QString storedText() const { return stored_; }
     // The results window of the last search started here (null when it listed nothing).
-    Form3 *lastResults() const { return lastResults_; }
+    ResultsWindow *lastResults() const { return lastResults_; }
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -59,18 +59,18 @@ private:
     SearchField focusField() const;
 
     MainWindow &main_;
-    QComboBox *Text1;
-    QLabel *CommLines;
-    QCheckBox *Fw;
-    QCheckBox *Check1;
-    QLabel *CurCat;
-    QLabel *Fwhat;
-    QLabel *SearchLabel;
-    QPushButton *Comman2;
+    QComboBox *lineBox_;
+    QLabel *storeLineLink_;
+    QCheckBox *forwardBox_;
+    QCheckBox *matchCaseBox_;
+    QLabel *fieldKindLabel_;
+    QLabel *fieldNameLabel_;
+    QLabel *searchLabel_;
+    QPushButton *searchButton_;
     QString stored_;
     QString commLinesText_;
     int lastFormat_ = 0;
-    QPointer<Form3> lastResults_;
+    QPointer<ResultsWindow> lastResults_;
 };
 
 } // namespace ff::gui

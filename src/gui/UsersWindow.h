@@ -23,13 +23,13 @@ struct Design;
 
 namespace ff::gui {
 
-class Form6 : public QDialog {
+class UsersWindow : public QDialog {
     Q_OBJECT
 public:
     static constexpr int kRows = 10;
 
     // `users` must hold plain texts while the window is open.
-    Form6(UserTable &users, const Design &design, QWidget *parent = nullptr);
+    UsersWindow(UserTable &users, const Design &design, QWidget *parent = nullptr);
 
     // The Passmenu command: decode, edit modally, code again.
     static void runUsers(Database &db, QWidget *parent = nullptr);
@@ -41,19 +41,19 @@ public:
     // How the window tells that it cannot close; the program's message box unless a test sets it.
     std::function<void(const QString &caption, const QString &message, int colour)> showMessage;
 
-    // The entry shown in row k is Usc + k.
+    // The entry shown in row k is rowScroll_ + k.
     int firstShown() const;
     void scrollTo(int first);
-    QLineEdit *nameBox(int row) const { return uNm[size_t(row)]; }
-    QLineEdit *passwordBox(int row) const { return UserP[size_t(row)]; }
-    QCheckBox *readOnlyBox(int row) const { return UserPassRO[size_t(row)]; }
-    QPushButton *deleteButton() const { return doUsers; }
+    QLineEdit *nameBox(int row) const { return nameBoxes_[size_t(row)]; }
+    QLineEdit *passwordBox(int row) const { return passwordBoxes_[size_t(row)]; }
+    QCheckBox *readOnlyBox(int row) const { return readOnlyBoxes_[size_t(row)]; }
+    QPushButton *deleteButton() const { return deleteButton_; }
     QPushButton *addButton() const { return addUser_; }
-    QPushButton *closeButton() const { return ExWin; }
+    QPushButton *closeButton() const { return closeButton_; }
     // The back colour of row k as the rows are painted.
     QColor rowColour(int row) const;
 
-    void reject() override; // Escape and the window's close go through the same check as ExWin
+    void reject() override; // Escape and the window's close go through the same check as closeButton_
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -63,13 +63,13 @@ private:
     QString appTitle_;
     std::array<QWidget *, kRows> rowFrame_{};
     std::array<QLabel *, kRows> rowNumber_{};
-    std::array<QLineEdit *, kRows> uNm{};
-    std::array<QLineEdit *, kRows> UserP{};
-    std::array<QCheckBox *, kRows> UserPassRO{};
-    QScrollBar *Usc;
+    std::array<QLineEdit *, kRows> nameBoxes_{};
+    std::array<QLineEdit *, kRows> passwordBoxes_{};
+    std::array<QCheckBox *, kRows> readOnlyBoxes_{};
+    QScrollBar *rowScroll_;
     QPushButton *addUser_;
-    QPushButton *doUsers;
-    QPushButton *ExWin;
+    QPushButton *deleteButton_;
+    QPushButton *closeButton_;
 
     void repaintRows();
     int rowOf(QObject *widget) const;

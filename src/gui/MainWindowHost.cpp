@@ -1,7 +1,7 @@
-#include "gui/Form2Host.h"
+#include "gui/MainWindowHost.h"
 
 #include "store/Database.h"
-#include "toolkit/Msgbox8.h"
+#include "toolkit/MessageWindow.h"
 
 #include <QCoreApplication>
 #include <QDesktopServices>
@@ -12,20 +12,20 @@
 
 namespace ff::gui {
 
-Form2Host::Form2Host(Database &db, FormulaContext &context, QWidget *window)
+MainWindowHost::MainWindowHost(Database &db, FormulaContext &context, QWidget *window)
     : FormulaEntryHost(db.page(), context), db_(db), window_(window)
 {
 }
 
-void Form2Host::shown()
+void MainWindowHost::shown()
 {
     if (recordShown)
         recordShown();
 }
 
-bool Form2Host::readOnly() const { return !db_.store().writingAllowed(); }
+bool MainWindowHost::readOnly() const { return !db_.store().writingAllowed(); }
 
-Status Form2Host::lockRecord()
+Status MainWindowHost::lockRecord()
 {
     const Status s = db_.store().LockRecord();
     if (!s.ok())
@@ -33,39 +33,39 @@ Status Form2Host::lockRecord()
     return s;
 }
 
-void Form2Host::saveIfDirty() { db_.store().SaveIfDirty(); }
+void MainWindowHost::saveIfDirty() { db_.store().SaveIfDirty(); }
 
-void Form2Host::navigate(int button)
+void MainWindowHost::navigate(int button)
 {
     db_.store().NavigateRecord(button);
     shown();
 }
 
-void Form2Host::newRecord()
+void MainWindowHost::newRecord()
 {
     db_.store().NewRecord();
     shown();
 }
 
-void Form2Host::endProgram()
+void MainWindowHost::endProgram()
 {
     if (endNow)
         endNow();
 }
 
-void Form2Host::copyRecordToClipboard()
+void MainWindowHost::copyRecordToClipboard()
 {
     // The record as XML on the clipboard belongs to the XML export; until it exists the program
     // started by the tag opens without a record to paste.
 }
 
-void Form2Host::runSearchLine(const QString &line)
+void MainWindowHost::runSearchLine(const QString &line)
 {
     if (searchLine)
         searchLine(line);
 }
 
-bool Form2Host::fileExists(const QString &path)
+bool MainWindowHost::fileExists(const QString &path)
 {
     QFileInfo info(path);
     if (info.isRelative())
@@ -73,7 +73,7 @@ bool Form2Host::fileExists(const QString &path)
     return info.exists();
 }
 
-void Form2Host::openWithDesktop(const QString &target, const QString &parameters)
+void MainWindowHost::openWithDesktop(const QString &target, const QString &parameters)
 {
     opened.append(parameters.isEmpty() ? target : target + QLatin1Char(' ') + parameters);
     if (!parameters.isEmpty()) {
@@ -88,17 +88,17 @@ void Form2Host::openWithDesktop(const QString &target, const QString &parameters
     QDesktopServices::openUrl(url);
 }
 
-void Form2Host::showMessage(const QString &text)
+void MainWindowHost::showMessage(const QString &text)
 {
     ShowMessage(db_.MainCaption.isEmpty() ? db_.design().MainCap : db_.MainCaption, text, kFormulaMessageColour);
 }
 
-void Form2Host::ShowMessage(const QString &caption, const QString &text, int color)
+void MainWindowHost::ShowMessage(const QString &caption, const QString &text, int color)
 {
     toolkit::ShowMessage(window_, caption, text, color);
 }
 
-void Form2Host::YieldToEvents()
+void MainWindowHost::YieldToEvents()
 {
     // Writes give the event loop a turn, but no user input: a key must not reach a record that is
     // half written.

@@ -1,4 +1,4 @@
-#include "toolkit/ListPlus.h"
+#include "toolkit/SortableList.h"
 
 #include <QAbstractTableModel>
 #include <QHeaderView>
@@ -10,9 +10,9 @@ namespace ff::toolkit {
 
 // The table the view reads: column 0 is the record number (with the row's mark), columns 1 to 11
 // the texts, each place showing the row that RowOrder puts there.
-class ListPlusModel : public QAbstractTableModel {
+class SortableListModel : public QAbstractTableModel {
 public:
-    explicit ListPlusModel(ListPlus &owner) : QAbstractTableModel(&owner), owner_(owner) {}
+    explicit SortableListModel(SortableList &owner) : QAbstractTableModel(&owner), owner_(owner) {}
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override
     {
@@ -91,10 +91,10 @@ public:
     }
 
 private:
-    ListPlus &owner_;
+    SortableList &owner_;
 };
 
-ListPlus::ListPlus(QWidget *parent) : QWidget(parent), view_(new QTableView(this)), model_(new ListPlusModel(*this))
+SortableList::SortableList(QWidget *parent) : QWidget(parent), view_(new QTableView(this)), model_(new SortableListModel(*this))
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -116,16 +116,16 @@ ListPlus::ListPlus(QWidget *parent) : QWidget(parent), view_(new QTableView(this
     view_->horizontalHeader()->setStretchLastSection(true);
     view_->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     view_->setColumnWidth(0, 80);
-    connect(view_->horizontalHeader(), &QHeaderView::sectionClicked, this, &ListPlus::SortButton);
-    connect(view_, &QTableView::clicked, this, &ListPlus::choose);
+    connect(view_->horizontalHeader(), &QHeaderView::sectionClicked, this, &SortableList::SortButton);
+    connect(view_, &QTableView::clicked, this, &SortableList::choose);
     view_->installEventFilter(this);
     setFocusProxy(view_);
     updateColumnVisibility();
 }
 
-ListPlus::~ListPlus() = default;
+SortableList::~SortableList() = default;
 
-void ListPlus::AddArray(const QStringList &rows)
+void SortableList::AddArray(const QStringList &rows)
 {
     list_.AddArray(rows);
     descending_ = false;
@@ -133,7 +133,7 @@ void ListPlus::AddArray(const QStringList &rows)
     updateColumnVisibility();
 }
 
-void ListPlus::NameButton(int column, const QString &text)
+void SortableList::NameButton(int column, const QString &text)
 {
     if (column < 0 || column > ListSort::kColumns)
         return;
@@ -142,14 +142,14 @@ void ListPlus::NameButton(int column, const QString &text)
     updateColumnVisibility();
 }
 
-QString ListPlus::buttonCaption(int column) const
+QString SortableList::buttonCaption(int column) const
 {
     return model_->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
 }
 
-void ListPlus::setColumnWidthPx(int column, int width) { view_->setColumnWidth(column, width); }
+void SortableList::setColumnWidthPx(int column, int width) { view_->setColumnWidth(column, width); }
 
-void ListPlus::SortButton(int column)
+void SortableList::SortButton(int column)
 {
     const int before = list_.SortColumn();
     // Keep the same row current across the new order.
@@ -166,7 +166,7 @@ void ListPlus::SortButton(int column)
     Q_EMIT sorted(column);
 }
 
-int ListPlus::currentRow() const
+int SortableList::currentRow() const
 {
     const QModelIndex index = view_->currentIndex();
     if (!index.isValid() || index.row() >= list_.rowCount())
@@ -174,7 +174,7 @@ int ListPlus::currentRow() const
     return list_.rowAt(index.row());
 }
 
-void ListPlus::setCurrentPlace(int place)
+void SortableList::setCurrentPlace(int place)
 {
     if (place < 0 || place >= list_.rowCount())
         return;
@@ -183,19 +183,19 @@ void ListPlus::setCurrentPlace(int place)
     view_->scrollTo(model_->index(place, column));
 }
 
-int32_t ListPlus::GetArrayItem() const
+int32_t SortableList::GetArrayItem() const
 {
     const int row = currentRow();
     return row < 0 ? -1 : list_.GetContentNo(row);
 }
 
-QString ListPlus::GetItem() const
+QString SortableList::GetItem() const
 {
     const int row = currentRow();
     return row < 0 ? QString() : list_.column(row, 1);
 }
 
-int ListPlus::RemoveText(const QString &name)
+int SortableList::RemoveText(const QString &name)
 {
     const int removed = list_.RemoveText(name);
     if (removed > 0)
@@ -203,7 +203,7 @@ int ListPlus::RemoveText(const QString &name)
     return removed;
 }
 
-void ListPlus::setMarked(int row, bool marked)
+void SortableList::setMarked(int row, bool marked)
 {
     if (mSelect == 0 || row < 0 || row >= list_.rowCount())
         return;
@@ -218,9 +218,9 @@ void ListPlus::setMarked(int row, bool marked)
     }
 }
 
-void ListPlus::REFscreen() { view_->viewport()->update(); }
+void SortableList::REFscreen() { view_->viewport()->update(); }
 
-void ListPlus::choose(const QModelIndex &index)
+void SortableList::choose(const QModelIndex &index)
 {
     if (!index.isValid() || index.row() >= list_.rowCount())
         return;
@@ -228,7 +228,7 @@ void ListPlus::choose(const QModelIndex &index)
     Q_EMIT rowChosen(list_.GetContentNo(row), row);
 }
 
-bool ListPlus::eventFilter(QObject *watched, QEvent *event)
+bool SortableList::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == view_ && event->type() == QEvent::KeyPress) {
         const auto *key = static_cast<QKeyEvent *>(event);
@@ -250,7 +250,7 @@ bool ListPlus::eventFilter(QObject *watched, QEvent *event)
     return QWidget::eventFilter(watched, event);
 }
 
-void ListPlus::updateColumnVisibility()
+void SortableList::updateColumnVisibility()
 {
     // A column shows when it has a caption or any text; the record number always shows.
     for (int c = 1; c <= ListSort::kColumns; ++c) {

@@ -1,7 +1,7 @@
 // The sortable list: row texts, the quick sort per column kind, reversing, marks, removing rows,
 // choosing a row, and the sort on a list of 30,000 rows.
 
-#include "toolkit/ListPlus.h"
+#include "toolkit/SortableList.h"
 
 #include <QElapsedTimer>
 #include <QHeaderView>
@@ -215,7 +215,7 @@ private Q_SLOTS:
 
     void widgetSortsOnHeaderPressAndShowsTheDirection()
     {
-        ListPlus list;
+        SortableList list;
         list.resize(500, 300);
         list.NameButton(0, QStringLiteral("No."));
         list.NameButton(1, QStringLiteral("Name"));
@@ -225,7 +225,7 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(&list));
         QVERIFY(!list.view()->isColumnHidden(1));
         QVERIFY(list.view()->isColumnHidden(2)); // no caption, no text
-        QSignalSpy sortedSpy(&list, &ListPlus::sorted);
+        QSignalSpy sortedSpy(&list, &SortableList::sorted);
         QHeaderView *header = list.view()->horizontalHeader();
         const QPoint at(header->sectionViewportPosition(1) + 10, header->height() / 2);
         QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, at);
@@ -242,13 +242,13 @@ private Q_SLOTS:
 
     void choosingAndMarkingRows()
     {
-        ListPlus list;
+        SortableList list;
         list.resize(500, 300);
         QVERIFY(list.ASearchTypes(1, 1).ok());
         list.AddArray({QStringLiteral("11~b"), QStringLiteral("22~c"), QStringLiteral("33~a")});
         list.show();
         QVERIFY(QTest::qWaitForWindowExposed(&list));
-        QSignalSpy chosen(&list, &ListPlus::rowChosen);
+        QSignalSpy chosen(&list, &SortableList::rowChosen);
         list.SortButton(1); // a b c: place 1 is row 0, record 11
         QTableView *view = list.view();
         QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(view->model()->index(1, 1)).center());
@@ -287,4 +287,4 @@ private Q_SLOTS:
 };
 
 QTEST_MAIN(ListPlusTest)
-#include "test_listplus.moc"
+#include "test_sortable_list.moc"

@@ -1,12 +1,12 @@
-#include "gui/Form3.h"
+#include "gui/ResultsWindow.h"
 
-#include "gui/Form2Host.h"
+#include "gui/MainWindowHost.h"
 #include "gui/MainWindow.h"
 #include "gui/Twips.h"
 #include "store/Database.h"
-#include "toolkit/Form4.h"
-#include "toolkit/ListPlus.h"
-#include "toolkit/Msgbox8.h"
+#include "toolkit/WaitWindow.h"
+#include "toolkit/SortableList.h"
+#include "toolkit/MessageWindow.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -18,26 +18,26 @@
 
 namespace ff::gui {
 
-bool Form3::AbortFlag = false;
-int Form3::ProgressStep = 2048;
-int Form3::WindowCount = 0;
+bool ResultsWindow::AbortFlag = false;
+int ResultsWindow::ProgressStep = 2048;
+int ResultsWindow::WindowCount = 0;
 
 namespace {
 
 // The wait window and the results windows' own stop buttons, as one stop for the engine.
 class StopProgress : public Progress {
 public:
-    explicit StopProgress(toolkit::Form4 &wait) : wait_(wait) {}
+    explicit StopProgress(toolkit::WaitWindow &wait) : wait_(wait) {}
     void setPercent(int percent) override { wait_.setPercent(percent); }
     bool cancelled() override
     {
         if (wait_.cancelled())
-            Form3::AbortFlag = true;
-        return Form3::AbortFlag;
+            ResultsWindow::AbortFlag = true;
+        return ResultsWindow::AbortFlag;
     }
 
 private:
-    toolkit::Form4 &wait_;
+    toolkit::WaitWindow &wait_;
 };
 
 // The final word of sum, count and replace in the program's message box.
@@ -69,7 +69,7 @@ int columnKind(const SearchField &f)
 
 } // namespace
 
-QString Form3::fieldCaption(const Design &d, const SearchField &f)
+QString ResultsWindow::fieldCaption(const Design &d, const SearchField &f)
 {
     auto pick = [](const QString &tip, const QString &tag, const QString &fallback) {
         if (!tip.trimmed().isEmpty())
@@ -104,9 +104,9 @@ QString Form3::fieldCaption(const Design &d, const SearchField &f)
     return QString();
 }
 
-Form3 *Form3::start(MainWindow &main, const Request &request)
+ResultsWindow *ResultsWindow::start(MainWindow &main, const Request &request)
 {
-    auto *w = new Form3(main, request);
+    auto *w = new ResultsWindow(main, request);
     w->runSearch(request.line, false);
     const CommandKind kind = w->result_.command;
     if (!w->result_.ran || (kind != CommandKind::Select && kind != CommandKind::Find)) {
@@ -118,49 +118,49 @@ Form3 *Form3::start(MainWindow &main, const Request &request)
     return w;
 }
 
-Form3::Form3(MainWindow &main, Request request)
-    : QWidget(&main, Qt::Window), main_(main), request_(std::move(request)), SearchLabel(new QLabel(this)),
-      Text1(new QLineEdit(this)), Command1(new QPushButton(tr("Stop"), this)), ExitNow(new QPushButton(tr("Close"), this)),
-      ExportButtton(new QPushButton(tr("Export..."), this)), Printreport(new QPushButton(tr("Report..."), this)),
-      Image2(new QPushButton(tr("Print..."), this)), List1(new toolkit::ListPlus(this)), wait_(new toolkit::Form4(&main))
+ResultsWindow::ResultsWindow(MainWindow &main, Request request)
+    : QWidget(&main, Qt::Window), main_(main), request_(std::move(request)), searchLabel_(new QLabel(this)),
+      lineBox_(new QLineEdit(this)), stopButton_(new QPushButton(tr("Stop"), this)), exitButton_(new QPushButton(tr("Close"), this)),
+      exportButton_(new QPushButton(tr("Export..."), this)), reportButton_(new QPushButton(tr("Report..."), this)),
+      printButton_(new QPushButton(tr("Print..."), this)), list_(new toolkit::SortableList(this)), wait_(new toolkit::WaitWindow(&main))
 {
     setAttribute(Qt::WA_DeleteOnClose);
     const QString title = main.database().MainCaption.isEmpty() ? main.design().MainCap : main.database().MainCaption;
     setWindowTitle(title.isEmpty() ? tr("Results") : tr("%1 - Results").arg(title));
 
-    SearchLabel->setAccessibleName(tr("Search result"));
-    SearchLabel->setWordWrap(true);
-    Text1->setPlaceholderText(tr("Search among these results..."));
-    Text1->setAccessibleName(tr("Search among these results"));
-    Text1->setClearButtonEnabled(true);
-    connect(Text1, &QLineEdit::returnPressed, this, [this] {
-        if (!Text1->text().trimmed().isEmpty() && !running_)
-            runSearch(Text1->text(), true);
+    searchLabel_->setAccessibleName(tr("Search result"));
+    searchLabel_->setWordWrap(true);
+    lineBox_->setPlaceholderText(tr("Search among these results..."));
+    lineBox_->setAccessibleName(tr("Search among these results"));
+    lineBox_->setClearButtonEnabled(true);
+    connect(lineBox_, &QLineEdit::returnPressed, this, [this] {
+        if (!lineBox_->text().trimmed().isEmpty() && !running_)
+            runSearch(lineBox_->text(), true);
     });
-    Command1->setToolTip(tr("Stops the search under way; what was found stays listed"));
-    connect(Command1, &QPushButton::clicked, this, [] { AbortFlag = true; });
-    connect(ExitNow, &QPushButton::clicked, this, [this] {
+    stopButton_->setToolTip(tr("Stops the search under way; what was found stays listed"));
+    connect(stopButton_, &QPushButton::clicked, this, [] { AbortFlag = true; });
+    connect(exitButton_, &QPushButton::clicked, this, [this] {
         AbortFlag = true;
         close();
     });
     // Printing the list, its reports and its export come with those features.
-    ExportButtton->setVisible(false);
-    Printreport->setVisible(false);
-    Image2->setVisible(false);
+    exportButton_->setVisible(false);
+    reportButton_->setVisible(false);
+    printButton_->setVisible(false);
 
     auto *top = new QHBoxLayout;
-    top->addWidget(Text1, 1);
-    top->addWidget(Command1);
-    top->addWidget(Image2);
-    top->addWidget(Printreport);
-    top->addWidget(ExportButtton);
-    top->addWidget(ExitNow);
+    top->addWidget(lineBox_, 1);
+    top->addWidget(stopButton_);
+    top->addWidget(printButton_);
+    top->addWidget(reportButton_);
+    top->addWidget(exportButton_);
+    top->addWidget(exitButton_);
     auto *layout = new QVBoxLayout(this);
-    layout->addWidget(SearchLabel);
+    layout->addWidget(searchLabel_);
     layout->addLayout(top);
-    layout->addWidget(List1, 1);
+    layout->addWidget(list_, 1);
 
-    connect(List1, &toolkit::ListPlus::rowChosen, this, [this](int32_t record, int) { showRecord(record); });
+    connect(list_, &toolkit::SortableList::rowChosen, this, [this](int32_t record, int) { showRecord(record); });
 
     // Each window one step (200 twips) lower and further right than the last; beside the main
     // window when the screen has room, so that the record a row shows stays in sight.
@@ -180,22 +180,22 @@ Form3::Form3(MainWindow &main, Request request)
     move(at);
 }
 
-Form3::~Form3()
+ResultsWindow::~ResultsWindow()
 {
     delete wait_;
 }
 
-QString Form3::searchLabelText() const { return SearchLabel->text(); }
+QString ResultsWindow::searchLabelText() const { return searchLabel_->text(); }
 
-QStringList Form3::captions() const
+QStringList ResultsWindow::captions() const
 {
     QStringList out;
     for (int c = 1; c <= result_.columnCount; ++c)
-        out << List1->buttonCaption(c);
+        out << list_->buttonCaption(c);
     return out;
 }
 
-void Form3::runSearch(const QString &line, bool withinHits)
+void ResultsWindow::runSearch(const QString &line, bool withinHits)
 {
     Database &db = main_.database();
     RecordStore &store = db.store();
@@ -224,7 +224,7 @@ void Form3::runSearch(const QString &line, bool withinHits)
 
     AbortFlag = false;
     running_ = true;
-    Command1->setEnabled(true);
+    stopButton_->setEnabled(true);
     StopProgress progress(*wait_);
     options.progress = &progress;
     wait_->begin();
@@ -232,7 +232,7 @@ void Form3::runSearch(const QString &line, bool withinHits)
     SearchResult r = engine.run(query, options, &host, &main_.context());
     wait_->end();
     running_ = false;
-    Command1->setEnabled(false);
+    stopButton_->setEnabled(false);
 
     if (r.command == CommandKind::Replace && r.Replacements > 0 && !store.RecordDirty) {
         // The record on the page may be one of those changed.
@@ -246,17 +246,17 @@ void Form3::runSearch(const QString &line, bool withinHits)
         showResult();
 }
 
-void Form3::setUpColumns()
+void ResultsWindow::setUpColumns()
 {
     const Design &d = main_.design();
     const double tpp = twipsPerPixel(this);
-    List1->NameButton(0, tr("No."));
-    List1->setColumnWidthPx(0, 70);
+    list_->NameButton(0, tr("No."));
+    list_->setColumnWidthPx(0, 70);
     for (int c = 1; c <= toolkit::ListSort::kColumns; ++c) {
         if (c <= result_.columnCount) {
             const SearchField &f = result_.columns[size_t(c - 1)];
-            List1->NameButton(c, fieldCaption(d, f));
-            List1->ASearchTypes(c, columnKind(f));
+            list_->NameButton(c, fieldCaption(d, f));
+            list_->ASearchTypes(c, columnKind(f));
             // The width of the field on the page, within reason.
             double twips = 1500;
             const size_t i = size_t(f.index);
@@ -268,21 +268,21 @@ void Form3::setUpColumns()
                 twips = d.Notes[i].Width;
             else if (f.kind == SearchKind::Check)
                 twips = 900;
-            List1->setColumnWidthPx(c, qBound(50, toPixels(twips, tpp), 180));
+            list_->setColumnWidthPx(c, qBound(50, toPixels(twips, tpp), 180));
         } else {
-            List1->NameButton(c, QString());
+            list_->NameButton(c, QString());
         }
     }
 }
 
-void Form3::showResult()
+void ResultsWindow::showResult()
 {
     setUpColumns();
     if (!isVisible()) {
         // Wide enough for the listed columns, within the screen.
         int wanted = 70 + 60;
         for (int c = 1; c <= result_.columnCount; ++c)
-            wanted += List1->view()->columnWidth(c);
+            wanted += list_->view()->columnWidth(c);
         int width = qBound(420, wanted, 900);
         if (const QScreen *screen = main_.screen()) {
             const QRect avail = screen->availableGeometry();
@@ -291,13 +291,13 @@ void Form3::showResult()
         }
         resize(width, height());
     }
-    List1->AddArray(result_.rows);
-    SearchLabel->setText(QString::number(result_.rows.size()) + QStringLiteral(" : ") + main_.context().SearchLine);
+    list_->AddArray(result_.rows);
+    searchLabel_->setText(QString::number(result_.rows.size()) + QStringLiteral(" : ") + main_.context().SearchLine);
     if (result_.aborted)
-        SearchLabel->setText(SearchLabel->text() + tr("  (stopped)"));
+        searchLabel_->setText(searchLabel_->text() + tr("  (stopped)"));
 }
 
-void Form3::showRecord(int32_t record)
+void ResultsWindow::showRecord(int32_t record)
 {
     RecordStore &store = main_.database().store();
     if (record == store.CurrentRecord || record < 1 || record > store.RecordCount)

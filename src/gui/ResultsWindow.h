@@ -15,15 +15,15 @@ class QLineEdit;
 class QPushButton;
 
 namespace ff::toolkit {
-class Form4;
-class ListPlus;
+class WaitWindow;
+class SortableList;
 } // namespace ff::toolkit
 
 namespace ff::gui {
 
 class MainWindow;
 
-class Form3 : public QWidget {
+class ResultsWindow : public QWidget {
     Q_OBJECT
 public:
     struct Request {
@@ -36,20 +36,20 @@ public:
 
     // Makes a results window for `request` and runs it. A select or a find shows the window and
     // returns it; sum, count, replace and a line with nothing to do close it and return null.
-    static Form3 *start(MainWindow &main, const Request &request);
+    static ResultsWindow *start(MainWindow &main, const Request &request);
 
-    Form3(MainWindow &main, Request request);
-    ~Form3() override;
+    ResultsWindow(MainWindow &main, Request request);
+    ~ResultsWindow() override;
 
     // Runs `line` over all records, or over this window's hits when `withinHits`.
     void runSearch(const QString &line, bool withinHits);
 
     const SearchResult &result() const { return result_; }
-    toolkit::ListPlus *list() const { return List1; }
+    toolkit::SortableList *list() const { return list_; }
     QString searchLabelText() const;
-    QLineEdit *lineBox() const { return Text1; }
-    QPushButton *stopButton() const { return Command1; }
-    QPushButton *exitButton() const { return ExitNow; }
+    QLineEdit *lineBox() const { return lineBox_; }
+    QPushButton *stopButton() const { return stopButton_; }
+    QPushButton *exitButton() const { return exitButton_; }
     // The columns listed, for the captions (result().columns holds the fields).
     QStringList captions() const;
 
@@ -72,15 +72,15 @@ private:
     MainWindow &main_;
     Request request_;
     SearchResult result_;
-    QLabel *SearchLabel;
-    QLineEdit *Text1;
-    QPushButton *Command1; // stop
-    QPushButton *ExitNow;
-    QPushButton *ExportButtton;
-    QPushButton *Printreport;
-    QPushButton *Image2;
-    toolkit::ListPlus *List1;
-    toolkit::Form4 *wait_;
+    QLabel *searchLabel_;
+    QLineEdit *lineBox_;
+    QPushButton *stopButton_; // stop
+    QPushButton *exitButton_;
+    QPushButton *exportButton_;
+    QPushButton *reportButton_;
+    QPushButton *printButton_;
+    toolkit::SortableList *list_;
+    toolkit::WaitWindow *wait_;
     bool running_ = false;
 };
 

@@ -22,10 +22,10 @@ struct Design;
 
 namespace ff::gui {
 
-class Passit : public QDialog {
+class LoginWindow : public QDialog {
     Q_OBJECT
 public:
-    Passit(const UserTable &users, const CodePage &codePage, const Design &design, QWidget *parent = nullptr);
+    LoginWindow(const UserTable &users, const CodePage &codePage, const Design &design, QWidget *parent = nullptr);
 
     // Shows the window modally when the database asks for a login, then applies the login to the
     // database (LoginUser, read-only mode, administrator, caption). Returns the user who logged in,
@@ -36,9 +36,9 @@ public:
     // The text of the password box, which tells the start-up whether the administrator came in.
     QString passwordBoxText() const;
 
-    QLineEdit *passwordBox() const { return Pss[0]; }
-    QLineEdit *nameBox() const { return Pss[1]; }
-    QLabel *namePrompt() const { return Label1; }
+    QLineEdit *passwordBox() const { return boxes_[0]; }
+    QLineEdit *nameBox() const { return boxes_[1]; }
+    QLabel *namePrompt() const { return namePrompt_; }
     QPushButton *cancelButton() const { return cancel_; }
 
 Q_SIGNALS:
@@ -48,9 +48,9 @@ private:
     void checkBoxes();
 
     LoginCheck check_;
-    std::array<QLineEdit *, 2> Pss{};
-    QLabel *Label0;
-    QLabel *Label1;
+    std::array<QLineEdit *, 2> boxes_{};
+    QLabel *passwordLabel_;
+    QLabel *namePrompt_;
     QPushButton *cancel_;
     QString passwordPrompt_;
     std::optional<int> loginUser_;

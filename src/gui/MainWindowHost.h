@@ -18,9 +18,9 @@ class Database;
 
 namespace ff::gui {
 
-class Form2Host : public FormulaEntryHost, public StoreHost, public FormulaHost {
+class MainWindowHost : public FormulaEntryHost, public StoreHost, public FormulaHost {
 public:
-    Form2Host(Database &db, FormulaContext &context, QWidget *window);
+    MainWindowHost(Database &db, FormulaContext &context, QWidget *window);
 
     // Set by the window: what happens after the record on the page changed (record box, status),
     // when the program is to end at once, and a search line from a page button.

@@ -1,8 +1,8 @@
-#include "gui/Form1.h"
+#include "gui/SearchLineWindow.h"
 
 #include "core/SettingsStore.h"
 #include "entry/FieldEntry.h"
-#include "gui/Form3.h"
+#include "gui/ResultsWindow.h"
 #include "gui/MainWindow.h"
 #include "search/SearchNames.h"
 #include "search/SearchParser.h"
@@ -35,62 +35,62 @@ QString lineValue(const QString &value)
 
 } // namespace
 
-Form1::Form1(MainWindow &main)
-    : QWidget(&main, Qt::Window), main_(main), Text1(new QComboBox(this)), CommLines(new QLabel(this)),
-      Fw(new QCheckBox(tr("Search forward (oldest first)"), this)), Check1(new QCheckBox(tr("Match case"), this)),
-      CurCat(new QLabel(this)), Fwhat(new QLabel(this)), SearchLabel(new QLabel(this)),
-      Comman2(new QPushButton(tr("Search"), this))
+SearchLineWindow::SearchLineWindow(MainWindow &main)
+    : QWidget(&main, Qt::Window), main_(main), lineBox_(new QComboBox(this)), storeLineLink_(new QLabel(this)),
+      forwardBox_(new QCheckBox(tr("Search forward (oldest first)"), this)), matchCaseBox_(new QCheckBox(tr("Match case"), this)),
+      fieldKindLabel_(new QLabel(this)), fieldNameLabel_(new QLabel(this)), searchLabel_(new QLabel(this)),
+      searchButton_(new QPushButton(tr("Search"), this))
 {
     const QString caption = main.design().CaptionRun[7];
     setWindowTitle(caption.isEmpty() ? tr("Search") : QString(caption).remove(QLatin1Char('&')));
 
-    Text1->setEditable(true);
-    Text1->setInsertPolicy(QComboBox::NoInsert);
-    Text1->setMinimumWidth(460);
-    Text1->setMaxVisibleItems(16);
-    Text1->setAccessibleName(tr("Search line"));
-    Text1->setToolTip(tr("A text to find in the field, or a command: SELECT, SUM, COUNT, REPLACE"));
-    connect(Text1, &QComboBox::editTextChanged, this, &Form1::lineChanged);
+    lineBox_->setEditable(true);
+    lineBox_->setInsertPolicy(QComboBox::NoInsert);
+    lineBox_->setMinimumWidth(460);
+    lineBox_->setMaxVisibleItems(16);
+    lineBox_->setAccessibleName(tr("Search line"));
+    lineBox_->setToolTip(tr("A text to find in the field, or a command: SELECT, SUM, COUNT, REPLACE"));
+    connect(lineBox_, &QComboBox::editTextChanged, this, &SearchLineWindow::lineChanged);
     // Enter is taken before the line edit sees it: an editable combo hands an unused Return back
     // to its line edit, which would start the search a second time.
-    Text1->lineEdit()->installEventFilter(this);
+    lineBox_->lineEdit()->installEventFilter(this);
 
-    CommLines->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
-    CommLines->setAccessibleName(tr("Store or remove the search line"));
-    connect(CommLines, &QLabel::linkActivated, this, [this] { storeOrRemoveLine(); });
+    storeLineLink_->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    storeLineLink_->setAccessibleName(tr("Store or remove the search line"));
+    connect(storeLineLink_, &QLabel::linkActivated, this, [this] { storeOrRemoveLine(); });
 
-    Fw->setAccessibleName(tr("Forward"));
-    Check1->setAccessibleName(tr("Match case"));
-    Comman2->setAutoDefault(false);
-    connect(Comman2, &QPushButton::clicked, this, &Form1::startSearch);
+    forwardBox_->setAccessibleName(tr("Forward"));
+    matchCaseBox_->setAccessibleName(tr("Match case"));
+    searchButton_->setAutoDefault(false);
+    connect(searchButton_, &QPushButton::clicked, this, &SearchLineWindow::startSearch);
 
-    QFont bold = CurCat->font();
+    QFont bold = fieldKindLabel_->font();
     bold.setBold(true);
-    CurCat->setFont(bold);
-    CurCat->setAccessibleName(tr("Kind of field"));
-    Fwhat->setAccessibleName(tr("Field searched"));
-    SearchLabel->setText(tr("Type a text to find in this field, or choose a search line:"));
+    fieldKindLabel_->setFont(bold);
+    fieldKindLabel_->setAccessibleName(tr("Kind of field"));
+    fieldNameLabel_->setAccessibleName(tr("Field searched"));
+    searchLabel_->setText(tr("Type a text to find in this field, or choose a search line:"));
 
     auto *subject = new QHBoxLayout;
-    subject->addWidget(CurCat);
-    subject->addWidget(Fwhat, 1);
+    subject->addWidget(fieldKindLabel_);
+    subject->addWidget(fieldNameLabel_, 1);
     auto *options = new QHBoxLayout;
-    options->addWidget(Fw);
-    options->addWidget(Check1);
+    options->addWidget(forwardBox_);
+    options->addWidget(matchCaseBox_);
     options->addStretch(1);
-    options->addWidget(Comman2);
+    options->addWidget(searchButton_);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(subject);
-    layout->addWidget(SearchLabel);
-    layout->addWidget(Text1);
-    layout->addWidget(CommLines, 0, Qt::AlignRight);
+    layout->addWidget(searchLabel_);
+    layout->addWidget(lineBox_);
+    layout->addWidget(storeLineLink_, 0, Qt::AlignRight);
     layout->addLayout(options);
     lineChanged(QString());
 }
 
-bool Form1::eventFilter(QObject *watched, QEvent *event)
+bool SearchLineWindow::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == Text1->lineEdit() && event->type() == QEvent::KeyPress) {
+    if (watched == lineBox_->lineEdit() && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent *>(event)->key();
         if (key == Qt::Key_Return || key == Qt::Key_Enter) {
             startSearch();
@@ -100,13 +100,13 @@ bool Form1::eventFilter(QObject *watched, QEvent *event)
     return QWidget::eventFilter(watched, event);
 }
 
-QString Form1::applicationKey() const
+QString SearchLineWindow::applicationKey() const
 {
     const Design &d = main_.design();
     return d.AppTitle.trimmed().isEmpty() ? main_.database().paths().AppBase : d.AppTitle.trimmed();
 }
 
-QStringList Form1::storedLines(const QString &stored)
+QStringList SearchLineWindow::storedLines(const QString &stored)
 {
     QString text = stored;
     text.remove(QLatin1Char('{'));
@@ -115,23 +115,23 @@ QStringList Form1::storedLines(const QString &stored)
     return pieces;
 }
 
-SearchField Form1::focusField() const
+SearchField SearchLineWindow::focusField() const
 {
     const EntryState &state = main_.entry().state();
     SearchNames names(main_.design(), main_.database().store().layout());
     return names.describe(static_cast<SearchKind>(int(state.focusKind)), state.focusIndex);
 }
 
-void Form1::open()
+void SearchLineWindow::open()
 {
-    const QString shown = Text1->currentText();
+    const QString shown = lineBox_->currentText();
     stored_ = SettingsStore::GetSetting(applicationKey(), kSection, kKey);
-    QSignalBlocker block(Text1);
-    Text1->clear();
+    QSignalBlocker block(lineBox_);
+    lineBox_->clear();
     for (const QString &line : storedLines(stored_))
-        Text1->addItem(line);
+        lineBox_->addItem(line);
     addSampleLines();
-    Text1->setEditText(shown);
+    lineBox_->setEditText(shown);
 
     // A text field of another format than at the last search: the old line would not fit.
     const EntryState &state = main_.entry().state();
@@ -139,7 +139,7 @@ void Form1::open()
         size_t(state.focusIndex) < main_.design().Fields.size()) {
         const int format = main_.design().Fields[size_t(state.focusIndex)].FieldType;
         if (format != lastFormat_) {
-            Text1->setEditText(QString());
+            lineBox_->setEditText(QString());
             main_.context().SearchLine.clear();
         }
         lastFormat_ = format;
@@ -147,17 +147,17 @@ void Form1::open()
     // Fields picked with the right button: their values, all to be found.
     const MultiFieldSelection &picked = main_.entry().selection();
     if (picked.active())
-        Text1->setEditText(picked.searchText());
+        lineBox_->setEditText(picked.searchText());
     block.unblock();
-    lineChanged(Text1->currentText());
+    lineChanged(lineBox_->currentText());
     showSubject();
     show();
     raise();
     activateWindow();
-    Text1->setFocus();
+    lineBox_->setFocus();
 }
 
-void Form1::addSampleLines()
+void SearchLineWindow::addSampleLines()
 {
     const Design &d = main_.design();
     SearchNames names(d, main_.database().store().layout());
@@ -201,80 +201,80 @@ void Form1::addSampleLines()
     else if (!checkNames.isEmpty())
         samples << QStringLiteral("COUNT ") + checkNames.first() + QStringLiteral("=1");
     for (const QString &s : samples)
-        if (Text1->findText(s, Qt::MatchFixedString | Qt::MatchCaseSensitive) < 0)
-            Text1->addItem(s);
+        if (lineBox_->findText(s, Qt::MatchFixedString | Qt::MatchCaseSensitive) < 0)
+            lineBox_->addItem(s);
 }
 
-void Form1::showSubject()
+void SearchLineWindow::showSubject()
 {
     const SearchField f = focusField();
     if (main_.entry().selection().active()) {
-        CurCat->setText(tr("Variant Field"));
-        Fwhat->setText(tr("%n picked field(s)", nullptr, main_.entry().selection().count()));
+        fieldKindLabel_->setText(tr("Variant Field"));
+        fieldNameLabel_->setText(tr("%n picked field(s)", nullptr, main_.entry().selection().count()));
         return;
     }
     // A combo offers its list: the user selects rather than types.
-    CurCat->setText(f.kind == SearchKind::Combo ? tr("Selective") : tr("Variant Field"));
-    Fwhat->setText(f.valid() ? Form3::fieldCaption(main_.design(), f) : tr("(no field)"));
+    fieldKindLabel_->setText(f.kind == SearchKind::Combo ? tr("Selective") : tr("Variant Field"));
+    fieldNameLabel_->setText(f.valid() ? ResultsWindow::fieldCaption(main_.design(), f) : tr("(no field)"));
 }
 
-QString Form1::subjectText() const { return CurCat->text() + QLatin1String(": ") + Fwhat->text(); }
+QString SearchLineWindow::subjectText() const { return fieldKindLabel_->text() + QLatin1String(": ") + fieldNameLabel_->text(); }
 
-void Form1::lineChanged(const QString &text)
+void SearchLineWindow::lineChanged(const QString &text)
 {
     const bool stored = !text.isEmpty() && stored_.contains(bracketed(text));
     commLinesText_ = stored ? QStringLiteral("Remove search line...") : QStringLiteral("Store search line...");
-    CommLines->setText(QStringLiteral("<a href=\"line\">") + commLinesText_.toHtmlEscaped() + QStringLiteral("</a>"));
+    storeLineLink_->setText(QStringLiteral("<a href=\"line\">") + commLinesText_.toHtmlEscaped() + QStringLiteral("</a>"));
     main_.context().SearchLine = text;
 }
 
-void Form1::storeOrRemoveLine()
+void SearchLineWindow::storeOrRemoveLine()
 {
-    const QString text = Text1->currentText();
+    const QString text = lineBox_->currentText();
     if (text.isEmpty())
         return;
     const QString entry = bracketed(text);
     {
-        QSignalBlocker block(Text1);
-        const int at = Text1->findText(text, Qt::MatchFixedString | Qt::MatchCaseSensitive);
+        QSignalBlocker block(lineBox_);
+        const int at = lineBox_->findText(text, Qt::MatchFixedString | Qt::MatchCaseSensitive);
         if (stored_.contains(entry)) {
             stored_.remove(stored_.indexOf(entry), entry.size());
             if (at >= 0)
-                Text1->removeItem(at);
+                lineBox_->removeItem(at);
         } else {
             stored_ += entry;
             if (at < 0)
-                Text1->addItem(text);
+                lineBox_->addItem(text);
         }
-        Text1->setEditText(text);
+        lineBox_->setEditText(text);
     }
     SettingsStore::SaveSetting(applicationKey(), kSection, kKey, stored_);
     lineChanged(text);
 }
 
-void Form1::startSearch()
+void SearchLineWindow::startSearch()
 {
-    QString line = Text1->currentText();
+    QString line = lineBox_->currentText();
     if (line.trimmed().isEmpty())
         return;
     {
-        QSignalBlocker block(Text1);
-        if (Text1->findText(line, Qt::MatchFixedString | Qt::MatchCaseSensitive) < 0)
-            Text1->addItem(line);
-        Text1->setEditText(line);
+        QSignalBlocker block(lineBox_);
+        if (lineBox_->findText(line, Qt::MatchFixedString | Qt::MatchCaseSensitive) < 0)
+            lineBox_->addItem(line);
+        lineBox_->setEditText(line);
     }
     MultiFieldSelection &picked = main_.entry().selection();
     // A find over picked fields looks through the whole record.
     if (picked.active() && !SearchParser::IsCommand(line) && !line.startsWith(QLatin1Char('!')))
         line.prepend(QLatin1Char('!'));
-    Form3::Request request;
+    ResultsWindow::Request request;
     request.line = line;
-    request.forward = Fw->isChecked();
-    request.matchCase = Check1->isChecked();
+    request.forward = forwardBox_->isChecked();
+    request.matchCase = matchCaseBox_->isChecked();
     request.focus = focusField();
     hide();
     picked.clear();
-    lastResults_ = Form3::start(main_, request);
+    lastResults_ = ResultsWindow::start(main_, request);
 }
 
 } // namespace ff::gui

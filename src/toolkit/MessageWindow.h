@@ -9,20 +9,20 @@ class QPushButton;
 
 namespace ff::toolkit {
 
-class Msgbox8 : public QDialog {
+class MessageWindow : public QDialog {
     Q_OBJECT
 public:
-    explicit Msgbox8(QWidget *parent = nullptr);
+    explicit MessageWindow(QWidget *parent = nullptr);
 
     // Lays the band out for the message; exec() then shows it.
     void setMessage(const QString &caption, const QString &message, int colour);
     QString messageText() const;
-    QPushButton *okButton() const { return OKButtton; }
+    QPushButton *okButton() const { return okButton_; }
 
 private:
-    QLabel *L1;
-    QLabel *L2;
-    QPushButton *OKButtton;
+    QLabel *captionLabel_;
+    QLabel *textLabel_;
+    QPushButton *okButton_;
 };
 
 // Shows the message box modally. `colour` is a colour long (0x00BBGGRR) for the OK button.

@@ -17,13 +17,13 @@ class QModelIndex;
 
 namespace ff::toolkit {
 
-class ListPlusModel;
+class SortableListModel;
 
-class ListPlus : public QWidget {
+class SortableList : public QWidget {
     Q_OBJECT
 public:
-    explicit ListPlus(QWidget *parent = nullptr);
-    ~ListPlus() override;
+    explicit SortableList(QWidget *parent = nullptr);
+    ~SortableList() override;
 
     // Content (see ListSort for the row text form).
     void AddArray(const QStringList &rows);
@@ -70,12 +70,12 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    friend class ListPlusModel;
+    friend class SortableListModel;
     ListSort list_;
     std::array<QString, ListSort::kColumns + 1> captions_;
     bool descending_ = false;
     QTableView *view_;
-    ListPlusModel *model_;
+    SortableListModel *model_;
 
     void choose(const QModelIndex &index);
     void updateColumnVisibility();

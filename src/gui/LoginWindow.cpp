@@ -1,4 +1,4 @@
-#include "gui/Passit.h"
+#include "gui/LoginWindow.h"
 
 #include "design/Design.h"
 #include "store/Database.h"
@@ -31,8 +31,8 @@ bool anyUserHasName(const UserTable &users)
 
 } // namespace
 
-Passit::Passit(const UserTable &users, const CodePage &codePage, const Design &design, QWidget *parent)
-    : QDialog(parent), check_(users, codePage), Label0(new QLabel(this)), Label1(new QLabel(this)),
+LoginWindow::LoginWindow(const UserTable &users, const CodePage &codePage, const Design &design, QWidget *parent)
+    : QDialog(parent), check_(users, codePage), passwordLabel_(new QLabel(this)), namePrompt_(new QLabel(this)),
       cancel_(new QPushButton(this))
 {
     setModal(true);
@@ -40,28 +40,28 @@ Passit::Passit(const UserTable &users, const CodePage &codePage, const Design &d
     setWindowTitle(uiText(design, 10, tr("Log in")) + (title.isEmpty() ? QString() : QStringLiteral(" - ") + title));
     passwordPrompt_ = uiText(design, 9, tr("Password:"));
 
-    for (auto &box : Pss) {
+    for (auto &box : boxes_) {
         box = new QLineEdit(this);
         box->setMinimumWidth(220);
-        connect(box, &QLineEdit::textChanged, this, &Passit::checkBoxes);
+        connect(box, &QLineEdit::textChanged, this, &LoginWindow::checkBoxes);
     }
-    Pss[0]->setEchoMode(QLineEdit::Password);
-    Pss[0]->setAccessibleName(tr("Password"));
-    Pss[1]->setAccessibleName(tr("User name"));
-    Label0->setText(passwordPrompt_);
-    Label0->setBuddy(Pss[0]);
-    Label1->setText(uiText(design, 8, tr("User name:")));
-    Label1->setBuddy(Pss[1]);
+    boxes_[0]->setEchoMode(QLineEdit::Password);
+    boxes_[0]->setAccessibleName(tr("Password"));
+    boxes_[1]->setAccessibleName(tr("User name"));
+    passwordLabel_->setText(passwordPrompt_);
+    passwordLabel_->setBuddy(boxes_[0]);
+    namePrompt_->setText(uiText(design, 8, tr("User name:")));
+    namePrompt_->setBuddy(boxes_[1]);
 
     auto *grid = new QGridLayout;
-    grid->addWidget(Label0, 0, 0);
-    grid->addWidget(Pss[0], 0, 1);
-    grid->addWidget(Label1, 1, 0);
-    grid->addWidget(Pss[1], 1, 1);
+    grid->addWidget(passwordLabel_, 0, 0);
+    grid->addWidget(boxes_[0], 0, 1);
+    grid->addWidget(namePrompt_, 1, 0);
+    grid->addWidget(boxes_[1], 1, 1);
     // Without names only the password alone can match: the name box would only mislead.
     const bool names = anyUserHasName(users);
-    Label1->setVisible(names);
-    Pss[1]->setVisible(names);
+    namePrompt_->setVisible(names);
+    boxes_[1]->setVisible(names);
 
     cancel_->setText(uiText(design, 1, tr("Cancel")));
     cancel_->setAutoDefault(false);
@@ -82,25 +82,25 @@ Passit::Passit(const UserTable &users, const CodePage &codePage, const Design &d
     layout->addLayout(grid);
     layout->addWidget(buttons);
     layout->setSizeConstraint(QLayout::SetFixedSize);
-    setTabOrder(Pss[0], Pss[1]);
-    setTabOrder(Pss[1], cancel_);
-    Pss[0]->setFocus();
+    setTabOrder(boxes_[0], boxes_[1]);
+    setTabOrder(boxes_[1], cancel_);
+    boxes_[0]->setFocus();
 }
 
-QString Passit::passwordBoxText() const { return Pss[0]->text(); }
+QString LoginWindow::passwordBoxText() const { return boxes_[0]->text(); }
 
-void Passit::checkBoxes()
+void LoginWindow::checkBoxes()
 {
     if (loginUser_)
         return;
-    const LoginOutcome out = check_.check(Pss[0]->text(), Pss[1]->text());
+    const LoginOutcome out = check_.check(boxes_[0]->text(), boxes_[1]->text());
     if (out.askPassword) {
         // The name is known: box 1 now takes that user's password.
-        Label1->setText(passwordPrompt_);
-        Pss[1]->setEchoMode(QLineEdit::Password);
-        Pss[1]->setAccessibleName(tr("Password of the user"));
-        Pss[1]->clear();
-        Pss[1]->setFocus();
+        namePrompt_->setText(passwordPrompt_);
+        boxes_[1]->setEchoMode(QLineEdit::Password);
+        boxes_[1]->setAccessibleName(tr("Password of the user"));
+        boxes_[1]->clear();
+        boxes_[1]->setFocus();
         return;
     }
     if (out.success) {
@@ -110,11 +110,11 @@ void Passit::checkBoxes()
     }
 }
 
-std::optional<int> Passit::runLogin(Database &db, QWidget *parent)
+std::optional<int> LoginWindow::runLogin(Database &db, QWidget *parent)
 {
     if (!db.loginRequired())
         return 0;
-    Passit window(db.users(), db.codePage(), db.design(), parent);
+    LoginWindow window(db.users(), db.codePage(), db.design(), parent);
     window.exec();
     if (!window.loginUser())
         return std::nullopt;

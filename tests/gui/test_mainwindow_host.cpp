@@ -3,7 +3,7 @@
 // process holds, and closing with and without saving.
 
 #include "ExampleImage.h"
-#include "gui/Form2Host.h"
+#include "gui/MainWindowHost.h"
 #include "gui/MainWindow.h"
 #include "gui/PageCanvas.h"
 #include "store/Database.h"
@@ -57,7 +57,7 @@ QString binary(const QString &name)
 
 } // namespace
 
-class Form2Test : public QObject {
+class MainWindowHostTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void typedTextIsConvertedOnLeaving()
@@ -222,5 +222,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(Form2Test)
-#include "test_form2.moc"
+QTEST_MAIN(MainWindowHostTest)
+#include "test_mainwindow_host.moc"

@@ -13,10 +13,10 @@ class QTimer;
 
 namespace ff::toolkit {
 
-class Form4 : public QDialog, public ff::Progress {
+class WaitWindow : public QDialog, public ff::Progress {
     Q_OBJECT
 public:
-    explicit Form4(QWidget *parent = nullptr);
+    explicit WaitWindow(QWidget *parent = nullptr);
 
     // Shows the window for a walk: clears the stop flag and the percentage.
     void begin(const QString &text = QString());
@@ -26,7 +26,7 @@ public:
     bool cancelled() override; // lets events through first
     bool ExportCancelled = false;
 
-    QPushButton *stopButton() const { return Command1; }
+    QPushButton *stopButton() const { return stopButton_; }
     QString percentText() const;
     int lightStep() const { return counter_; }
     // One tick of the running light (the timer's work; public for tests).
@@ -35,10 +35,10 @@ public:
     static std::array<int, 2> blockGreys(int k) { return {240 - 25 * k, 250 - 25 * k}; }
 
 private:
-    std::array<QLabel *, 7> Shape1{};
-    QLabel *Label1;
-    QPushButton *Command1;
-    QTimer *WaitGo;
+    std::array<QLabel *, 7> lightBlocks_{};
+    QLabel *percentLabel_;
+    QPushButton *stopButton_;
+    QTimer *lightTimer_;
     int counter_ = 0;
 };
 

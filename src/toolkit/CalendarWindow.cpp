@@ -1,4 +1,4 @@
-#include "toolkit/Clc.h"
+#include "toolkit/CalendarWindow.h"
 
 #include <QComboBox>
 #include <QGridLayout>
@@ -35,22 +35,22 @@ std::array<int, 42> MonthCells(int month, int year, Qt::DayOfWeek firstDayOfWeek
     return cells;
 }
 
-Clc::Clc(QDate start, QWidget *parent)
-    : QDialog(parent), CMonth(new QComboBox(this)), Cyear(new QComboBox(this))
+CalendarWindow::CalendarWindow(QDate start, QWidget *parent)
+    : QDialog(parent), monthBox_(new QComboBox(this)), yearBox_(new QComboBox(this))
 {
     setWindowTitle(tr("Calendar"));
     if (!start.isValid())
         start = QDate::currentDate();
     const QLocale locale;
     for (int m = 1; m <= 12; ++m)
-        CMonth->addItem(locale.monthName(m, QLocale::LongFormat));
+        monthBox_->addItem(locale.monthName(m, QLocale::LongFormat));
     // Years from two hundred before this year to two hundred after it.
     const int thisYear = QDate::currentDate().year();
     firstYear_ = thisYear - 200;
     for (int y = firstYear_; y <= thisYear + 200; ++y)
-        Cyear->addItem(QString::number(y));
-    CMonth->setAccessibleName(tr("Month"));
-    Cyear->setAccessibleName(tr("Year"));
+        yearBox_->addItem(QString::number(y));
+    monthBox_->setAccessibleName(tr("Month"));
+    yearBox_->setAccessibleName(tr("Year"));
 
     auto *layout = new QVBoxLayout(this);
     auto *top = new QHBoxLayout;
@@ -59,17 +59,17 @@ Clc::Clc(QDate start, QWidget *parent)
     back->setAccessibleName(tr("Previous month"));
     forward->setAccessibleName(tr("Next month"));
     top->addWidget(back);
-    top->addWidget(CMonth, 1);
-    top->addWidget(Cyear);
+    top->addWidget(monthBox_, 1);
+    top->addWidget(yearBox_);
     top->addWidget(forward);
     layout->addLayout(top);
     auto *grid = new QGridLayout;
     const Qt::DayOfWeek firstDay = locale.firstDayOfWeek();
     for (int c = 0; c < 7; ++c) {
         const int dow = (int(firstDay) - 1 + c) % 7 + 1;
-        Calander[size_t(c)] = new QLabel(locale.dayName(dow, QLocale::ShortFormat), this);
-        Calander[size_t(c)]->setAlignment(Qt::AlignCenter);
-        grid->addWidget(Calander[size_t(c)], 0, c);
+        dayNames_[size_t(c)] = new QLabel(locale.dayName(dow, QLocale::ShortFormat), this);
+        dayNames_[size_t(c)]->setAlignment(Qt::AlignCenter);
+        grid->addWidget(dayNames_[size_t(c)], 0, c);
     }
     for (int i = 0; i < 42; ++i) {
         auto *cell = new QPushButton(this);
@@ -83,24 +83,24 @@ Clc::Clc(QDate start, QWidget *parent)
             Q_EMIT datePicked(picked_);
             accept();
         });
-        Calandera[size_t(i)] = cell;
+        dayButtons_[size_t(i)] = cell;
         grid->addWidget(cell, 1 + i / 7, i % 7);
     }
     layout->addLayout(grid);
 
-    CMonth->setCurrentIndex(start.month() - 1);
-    Cyear->setCurrentIndex(qBound(0, start.year() - firstYear_, Cyear->count() - 1));
+    monthBox_->setCurrentIndex(start.month() - 1);
+    yearBox_->setCurrentIndex(qBound(0, start.year() - firstYear_, yearBox_->count() - 1));
     connect(back, &QPushButton::clicked, this, [this] { stepMonth(-1); });
     connect(forward, &QPushButton::clicked, this, [this] { stepMonth(1); });
-    connect(CMonth, &QComboBox::currentIndexChanged, this, &Clc::CalcDate);
-    connect(Cyear, &QComboBox::currentIndexChanged, this, &Clc::CalcDate);
+    connect(monthBox_, &QComboBox::currentIndexChanged, this, &CalendarWindow::CalcDate);
+    connect(yearBox_, &QComboBox::currentIndexChanged, this, &CalendarWindow::CalcDate);
     CalcDate();
 }
 
-int Clc::month() const { return CMonth->currentIndex() + 1; }
-int Clc::year() const { return firstYear_ + Cyear->currentIndex(); }
+int CalendarWindow::month() const { return monthBox_->currentIndex() + 1; }
+int CalendarWindow::year() const { return firstYear_ + yearBox_->currentIndex(); }
 
-void Clc::stepMonth(int delta)
+void CalendarWindow::stepMonth(int delta)
 {
     int m = month() + delta, y = year();
     if (m < 1) {
@@ -110,20 +110,20 @@ void Clc::stepMonth(int delta)
         m = 1;
         ++y;
     }
-    if (y < firstYear_ || y >= firstYear_ + Cyear->count())
+    if (y < firstYear_ || y >= firstYear_ + yearBox_->count())
         return;
-    const QSignalBlocker block(CMonth);
-    CMonth->setCurrentIndex(m - 1);
-    Cyear->setCurrentIndex(y - firstYear_); // lays the month out
+    const QSignalBlocker block(monthBox_);
+    monthBox_->setCurrentIndex(m - 1);
+    yearBox_->setCurrentIndex(y - firstYear_); // lays the month out
     CalcDate();
 }
 
-void Clc::CalcDate()
+void CalendarWindow::CalcDate()
 {
     const auto cells = MonthCells(month(), year(), QLocale().firstDayOfWeek());
     const QDate today = QDate::currentDate();
     for (size_t i = 0; i < cells.size(); ++i) {
-        QPushButton *cell = Calandera[i];
+        QPushButton *cell = dayButtons_[i];
         const int day = cells[i];
         cell->setText(day ? QString::number(day) : QString());
         cell->setEnabled(day != 0);

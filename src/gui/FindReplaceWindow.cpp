@@ -1,15 +1,15 @@
-#include "gui/Form7.h"
+#include "gui/FindReplaceWindow.h"
 
 #include "core/Scramble.h"
 #include "entry/FieldEntry.h"
-#include "gui/Form2Host.h"
-#include "gui/Form3.h"
+#include "gui/MainWindowHost.h"
+#include "gui/ResultsWindow.h"
 #include "gui/MainWindow.h"
 #include "search/RecordScanner.h"
 #include "search/SearchNames.h"
 #include "search/SortIndexBuilder.h"
 #include "store/Database.h"
-#include "toolkit/Form4.h"
+#include "toolkit/WaitWindow.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -57,70 +57,70 @@ void remember(QComboBox *box, const QString &text)
 
 } // namespace
 
-Form7::Form7(MainWindow &main)
-    : QWidget(&main, Qt::Window), main_(main), Combo1(new QComboBox(this)), Combo2(new QComboBox(this)),
-      Check1(new QCheckBox(tr("Match case"), this)), Label1(new QLabel(tr("Find:"), this)),
-      Label2(new QLabel(tr("Replace with:"), this)), mLabel(new QLabel(this)), fieldLabel_(new QLabel(this)),
-      Command1(new QPushButton(tr("Replace all"), this)), ExitNow(new QPushButton(tr("Close"), this))
+FindReplaceWindow::FindReplaceWindow(MainWindow &main)
+    : QWidget(&main, Qt::Window), main_(main), findBox_(new QComboBox(this)), replaceBox_(new QComboBox(this)),
+      matchCaseBox_(new QCheckBox(tr("Match case"), this)), findLabel_(new QLabel(tr("Find:"), this)),
+      replaceLabel_(new QLabel(tr("Replace with:"), this)), progressLabel_(new QLabel(this)), fieldLabel_(new QLabel(this)),
+      startButton_(new QPushButton(tr("Replace all"), this)), exitButton_(new QPushButton(tr("Close"), this))
 {
     const QString caption = main.design().Finden3Caption;
     setWindowTitle(caption.isEmpty() ? tr("Find and replace") : QString(caption).remove(QLatin1Char('&')));
-    for (QComboBox *box : {Combo1, Combo2}) {
+    for (QComboBox *box : {findBox_, replaceBox_}) {
         box->setEditable(true);
         box->setInsertPolicy(QComboBox::NoInsert);
         box->setMinimumWidth(300);
     }
-    Combo1->setAccessibleName(tr("Text to find"));
-    Combo2->setAccessibleName(tr("New text"));
-    Label1->setBuddy(Combo1);
-    Label2->setBuddy(Combo2);
-    mLabel->setAccessibleName(tr("Progress"));
+    findBox_->setAccessibleName(tr("Text to find"));
+    replaceBox_->setAccessibleName(tr("New text"));
+    findLabel_->setBuddy(findBox_);
+    replaceLabel_->setBuddy(replaceBox_);
+    progressLabel_->setAccessibleName(tr("Progress"));
     QFont bold = fieldLabel_->font();
     bold.setBold(true);
     fieldLabel_->setFont(bold);
-    Command1->setDefault(true);
-    connect(Command1, &QPushButton::clicked, this, [this] { replaceAll(); });
-    connect(ExitNow, &QPushButton::clicked, this, [this] {
-        Form3::AbortFlag = true;
+    startButton_->setDefault(true);
+    connect(startButton_, &QPushButton::clicked, this, [this] { replaceAll(); });
+    connect(exitButton_, &QPushButton::clicked, this, [this] {
+        ResultsWindow::AbortFlag = true;
         close();
     });
 
     auto *grid = new QGridLayout;
-    grid->addWidget(Label1, 0, 0);
-    grid->addWidget(Combo1, 0, 1);
-    grid->addWidget(Label2, 1, 0);
-    grid->addWidget(Combo2, 1, 1);
+    grid->addWidget(findLabel_, 0, 0);
+    grid->addWidget(findBox_, 0, 1);
+    grid->addWidget(replaceLabel_, 1, 0);
+    grid->addWidget(replaceBox_, 1, 1);
     auto *buttons = new QHBoxLayout;
-    buttons->addWidget(Check1);
+    buttons->addWidget(matchCaseBox_);
     buttons->addStretch(1);
-    buttons->addWidget(Command1);
-    buttons->addWidget(ExitNow);
+    buttons->addWidget(startButton_);
+    buttons->addWidget(exitButton_);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(fieldLabel_);
     layout->addLayout(grid);
     layout->addLayout(buttons);
-    layout->addWidget(mLabel);
+    layout->addWidget(progressLabel_);
 }
 
-QString Form7::progressText() const { return mLabel->text(); }
-QString Form7::fieldText() const { return fieldLabel_->text(); }
+QString FindReplaceWindow::progressText() const { return progressLabel_->text(); }
+QString FindReplaceWindow::fieldText() const { return fieldLabel_->text(); }
 
-void Form7::open()
+void FindReplaceWindow::open()
 {
     field_ = focusedField(main_);
     const bool usable = holdsText(field_) && main_.database().store().writingAllowed();
-    fieldLabel_->setText(field_.valid() ? tr("In the field: %1").arg(Form3::fieldCaption(main_.design(), field_))
+    fieldLabel_->setText(field_.valid() ? tr("In the field: %1").arg(ResultsWindow::fieldCaption(main_.design(), field_))
                                         : tr("No field of the record has the focus"));
-    mLabel->setText(usable || !field_.valid() ? QString()
+    progressLabel_->setText(usable || !field_.valid() ? QString()
                                               : tr("This field holds no text to replace in."));
-    Command1->setEnabled(usable);
+    startButton_->setEnabled(usable);
     show();
     raise();
     activateWindow();
-    Combo1->setFocus();
+    findBox_->setFocus();
 }
 
-QString Form7::replacedText(const QString &text, const QString &find, const QString &with, bool matchCase)
+QString FindReplaceWindow::replacedText(const QString &text, const QString &find, const QString &with, bool matchCase)
 {
     const bool found = text.contains(find, matchCase ? Qt::CaseSensitive : Qt::CaseInsensitive);
     if (!found)
@@ -131,20 +131,20 @@ QString Form7::replacedText(const QString &text, const QString &find, const QStr
     return out.isNull() ? QStringLiteral("") : out;
 }
 
-Form7::Outcome Form7::replaceAll()
+FindReplaceWindow::Outcome FindReplaceWindow::replaceAll()
 {
     Outcome outcome;
-    Form3::AbortFlag = false;
-    const QString find = Combo1->currentText();
-    const QString with = Combo2->currentText();
+    ResultsWindow::AbortFlag = false;
+    const QString find = findBox_->currentText();
+    const QString with = replaceBox_->currentText();
     if (find.isEmpty() || with.isEmpty() || !holdsText(field_))
         return outcome;
     Database &db = main_.database();
     RecordStore &store = db.store();
     if (!store.writingAllowed())
         return outcome;
-    remember(Combo1, find);
-    remember(Combo2, with);
+    remember(findBox_, find);
+    remember(replaceBox_, with);
     outcome.ran = true;
 
     store.SaveIfDirty(); // the record on the page goes to the file first, and its lock with it
@@ -153,15 +153,15 @@ Form7::Outcome Form7::replaceAll()
     const bool scrambled = main_.design().ScrambleRecords == 1;
     const CodePage &codePage = store.codec().codePage();
     RecordScanner scanner(store.file(), count, scrambled);
-    toolkit::Form4 wait(this);
+    toolkit::WaitWindow wait(this);
     wait.begin();
-    Command1->setEnabled(false);
+    startButton_->setEnabled(false);
     for (int n = 1; n <= count; ++n) {
         if ((n - 1) % kReplaceStep == 0) {
             const int percent = int(int64_t(n - 1) * 100 / count);
-            mLabel->setText(QStringLiteral("%1%").arg(percent));
+            progressLabel_->setText(QStringLiteral("%1%").arg(percent));
             wait.setPercent(percent);
-            if (wait.cancelled() || Form3::AbortFlag) {
+            if (wait.cancelled() || ResultsWindow::AbortFlag) {
                 outcome.aborted = true;
                 break;
             }
@@ -171,7 +171,7 @@ Form7::Outcome Form7::replaceAll()
             continue;
         const char *slice = reinterpret_cast<const char *>(record + field_.offset);
         const QString text = codePage.decode(slice, field_.length);
-        const QString replaced = replacedText(text, find, with, Check1->isChecked());
+        const QString replaced = replacedText(text, find, with, matchCaseBox_->isChecked());
         if (replaced.isNull())
             continue;
         ++outcome.found;
@@ -189,8 +189,8 @@ Form7::Outcome Form7::replaceAll()
             ++outcome.changed;
     }
     wait.end();
-    Command1->setEnabled(true);
-    mLabel->setText(outcome.aborted ? tr("Stopped: %n record(s) changed", nullptr, outcome.changed)
+    startButton_->setEnabled(true);
+    progressLabel_->setText(outcome.aborted ? tr("Stopped: %n record(s) changed", nullptr, outcome.changed)
                                     : tr("%n record(s) changed", nullptr, outcome.changed));
     // The record on the page as it is stored now.
     if (store.RecordCount > 0) {
@@ -200,7 +200,7 @@ Form7::Outcome Form7::replaceAll()
     return outcome;
 }
 
-void Form7::sortByFocusedField(MainWindow &main, int mode)
+void FindReplaceWindow::sortByFocusedField(MainWindow &main, int mode)
 {
     RecordStore &store = main.database().store();
     store.SaveIfDirty();
@@ -211,7 +211,7 @@ void Form7::sortByFocusedField(MainWindow &main, int mode)
     const SearchField field = focusedField(main);
     if (!field.valid())
         return;
-    toolkit::Form4 wait(&main);
+    toolkit::WaitWindow wait(&main);
     wait.begin();
     SortIndexBuilder::BuildSortIndex(store, field, mode, &wait);
     wait.end();

@@ -1,8 +1,8 @@
-#include "gui/Form6.h"
+#include "gui/UsersWindow.h"
 
 #include "design/Design.h"
 #include "store/Database.h"
-#include "toolkit/Msgbox8.h"
+#include "toolkit/MessageWindow.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -36,10 +36,10 @@ QString heading(QString text)
 
 } // namespace
 
-Form6::Form6(UserTable &users, const Design &design, QWidget *parent)
+UsersWindow::UsersWindow(UserTable &users, const Design &design, QWidget *parent)
     : QDialog(parent), users_(users), appTitle_(design.AppTitle.isEmpty() ? design.MainCap : design.AppTitle),
-      Usc(new QScrollBar(Qt::Vertical, this)), addUser_(new QPushButton(this)),
-      doUsers(new QPushButton(QStringLiteral("Delete Selected User"), this)), ExWin(new QPushButton(this))
+      rowScroll_(new QScrollBar(Qt::Vertical, this)), addUser_(new QPushButton(this)),
+      deleteButton_(new QPushButton(QStringLiteral("Delete Selected User"), this)), closeButton_(new QPushButton(this))
 {
     setModal(true);
     setWindowTitle(uiText(design, 11, tr("Users")));
@@ -76,36 +76,36 @@ Form6::Form6(UserTable &users, const Design &design, QWidget *parent)
         line->setContentsMargins(4, 1, 4, 1);
         rowNumber_[size_t(k)] = new QLabel(frame);
         rowNumber_[size_t(k)]->setFixedWidth(36);
-        uNm[size_t(k)] = new QLineEdit(frame);
-        UserP[size_t(k)] = new QLineEdit(frame);
-        UserPassRO[size_t(k)] = new QCheckBox(frame); // the column head names it
-        UserPassRO[size_t(k)]->setFixedWidth(90);
-        for (QLineEdit *edit : {uNm[size_t(k)], UserP[size_t(k)]}) {
+        nameBoxes_[size_t(k)] = new QLineEdit(frame);
+        passwordBoxes_[size_t(k)] = new QLineEdit(frame);
+        readOnlyBoxes_[size_t(k)] = new QCheckBox(frame); // the column head names it
+        readOnlyBoxes_[size_t(k)]->setFixedWidth(90);
+        for (QLineEdit *edit : {nameBoxes_[size_t(k)], passwordBoxes_[size_t(k)]}) {
             edit->setMinimumWidth(180);
             edit->setFrame(false);
         }
         line->addWidget(rowNumber_[size_t(k)]);
-        line->addWidget(uNm[size_t(k)], 1);
-        line->addWidget(UserP[size_t(k)], 1);
-        line->addWidget(UserPassRO[size_t(k)]);
-        for (QWidget *w : std::initializer_list<QWidget *>{uNm[size_t(k)], UserP[size_t(k)], UserPassRO[size_t(k)]})
+        line->addWidget(nameBoxes_[size_t(k)], 1);
+        line->addWidget(passwordBoxes_[size_t(k)], 1);
+        line->addWidget(readOnlyBoxes_[size_t(k)]);
+        for (QWidget *w : std::initializer_list<QWidget *>{nameBoxes_[size_t(k)], passwordBoxes_[size_t(k)], readOnlyBoxes_[size_t(k)]})
             w->installEventFilter(this);
         frame->installEventFilter(this);
         rowFrame_[size_t(k)] = frame;
         rows->addWidget(frame, k + 1, 0);
 
         // Typing goes straight into the entry being worked on.
-        connect(uNm[size_t(k)], &QLineEdit::textEdited, this,
+        connect(nameBoxes_[size_t(k)], &QLineEdit::textEdited, this,
                 [this](const QString &text) { users_.UserName[size_t(SelectedUser)] = text; });
-        connect(UserP[size_t(k)], &QLineEdit::textEdited, this,
+        connect(passwordBoxes_[size_t(k)], &QLineEdit::textEdited, this,
                 [this](const QString &text) { users_.UserPassword[size_t(SelectedUser)] = text; });
-        connect(UserPassRO[size_t(k)], &QCheckBox::clicked, this, [this, k] { takeRights(k); });
+        connect(readOnlyBoxes_[size_t(k)], &QCheckBox::clicked, this, [this, k] { takeRights(k); });
     }
-    Usc->setRange(0, kUserCount - kRows);
-    Usc->setPageStep(kRows);
-    Usc->setAccessibleName(tr("Scroll the users"));
-    rows->addWidget(Usc, 1, 1, kRows, 1);
-    connect(Usc, &QScrollBar::valueChanged, this, [this] {
+    rowScroll_->setRange(0, kUserCount - kRows);
+    rowScroll_->setPageStep(kRows);
+    rowScroll_->setAccessibleName(tr("Scroll the users"));
+    rows->addWidget(rowScroll_, 1, 1, kRows, 1);
+    connect(rowScroll_, &QScrollBar::valueChanged, this, [this] {
         // Text typed after a scroll belongs to the entry the focused row now shows.
         const int row = rowOf(QApplication::focusWidget());
         if (row >= 0)
@@ -115,17 +115,17 @@ Form6::Form6(UserTable &users, const Design &design, QWidget *parent)
 
     addUser_->setText(uiText(design, 12, tr("Add")));
     addUser_->setToolTip(tr("Go to the first free entry"));
-    ExWin->setText(uiText(design, 4, tr("Close")));
-    for (QPushButton *b : {addUser_, doUsers, ExWin})
+    closeButton_->setText(uiText(design, 4, tr("Close")));
+    for (QPushButton *b : {addUser_, deleteButton_, closeButton_})
         b->setAutoDefault(false);
-    connect(addUser_, &QPushButton::clicked, this, &Form6::addEntry);
-    connect(doUsers, &QPushButton::clicked, this, &Form6::deleteSelected);
-    connect(ExWin, &QPushButton::clicked, this, &Form6::tryClose);
+    connect(addUser_, &QPushButton::clicked, this, &UsersWindow::addEntry);
+    connect(deleteButton_, &QPushButton::clicked, this, &UsersWindow::deleteSelected);
+    connect(closeButton_, &QPushButton::clicked, this, &UsersWindow::tryClose);
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(addUser_);
-    buttons->addWidget(doUsers);
+    buttons->addWidget(deleteButton_);
     buttons->addStretch(1);
-    buttons->addWidget(ExWin);
+    buttons->addWidget(closeButton_);
 
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(rows);
@@ -135,34 +135,34 @@ Form6::Form6(UserTable &users, const Design &design, QWidget *parent)
     // Tab goes along each row, then to the next row, then to the buttons.
     QWidget *previous = nullptr;
     for (int k = 0; k < kRows; ++k)
-        for (QWidget *w : std::initializer_list<QWidget *>{uNm[size_t(k)], UserP[size_t(k)], UserPassRO[size_t(k)]}) {
+        for (QWidget *w : std::initializer_list<QWidget *>{nameBoxes_[size_t(k)], passwordBoxes_[size_t(k)], readOnlyBoxes_[size_t(k)]}) {
             if (previous)
                 setTabOrder(previous, w);
             previous = w;
         }
     setTabOrder(previous, addUser_);
-    setTabOrder(addUser_, doUsers);
-    setTabOrder(doUsers, ExWin);
+    setTabOrder(addUser_, deleteButton_);
+    setTabOrder(deleteButton_, closeButton_);
     repaintRows();
 }
 
-void Form6::runUsers(Database &db, QWidget *parent)
+void UsersWindow::runUsers(Database &db, QWidget *parent)
 {
     db.users().decodeAll(db.codePage());
     {
-        Form6 window(db.users(), db.design(), parent);
+        UsersWindow window(db.users(), db.design(), parent);
         window.exec();
     }
     db.users().codeAll(db.codePage());
 }
 
-bool Form6::offeredTo(const Database &db) { return !db.loginRequired() || db.administrator(); }
+bool UsersWindow::offeredTo(const Database &db) { return !db.loginRequired() || db.administrator(); }
 
-int Form6::firstShown() const { return Usc->value(); }
+int UsersWindow::firstShown() const { return rowScroll_->value(); }
 
-void Form6::scrollTo(int first) { Usc->setValue(first); }
+void UsersWindow::scrollTo(int first) { rowScroll_->setValue(first); }
 
-QColor Form6::rowColour(int row) const
+QColor UsersWindow::rowColour(int row) const
 {
     const int entry = firstShown() + row;
     if (entry == SelectedUser)
@@ -172,23 +172,23 @@ QColor Form6::rowColour(int row) const
     return QColor(Qt::white);
 }
 
-void Form6::repaintRows()
+void UsersWindow::repaintRows()
 {
     for (int k = 0; k < kRows; ++k) {
         const size_t entry = size_t(firstShown() + k);
         rowNumber_[size_t(k)]->setText(QString::number(entry));
         const QString name = tr("user %1").arg(entry);
-        uNm[size_t(k)]->setAccessibleName(tr("Name of %1").arg(name));
-        UserP[size_t(k)]->setAccessibleName(tr("Password of %1").arg(name));
-        UserPassRO[size_t(k)]->setAccessibleName(tr("%1 may only read").arg(name));
+        nameBoxes_[size_t(k)]->setAccessibleName(tr("Name of %1").arg(name));
+        passwordBoxes_[size_t(k)]->setAccessibleName(tr("Password of %1").arg(name));
+        readOnlyBoxes_[size_t(k)]->setAccessibleName(tr("%1 may only read").arg(name));
         // Setting an unchanged text would move the cursor of the box being typed in.
-        if (uNm[size_t(k)]->text() != users_.UserName[entry])
-            uNm[size_t(k)]->setText(users_.UserName[entry]);
-        if (UserP[size_t(k)]->text() != users_.UserPassword[entry])
-            UserP[size_t(k)]->setText(users_.UserPassword[entry]);
-        UserPassRO[size_t(k)]->setChecked(users_.UserRights[entry] == 1);
+        if (nameBoxes_[size_t(k)]->text() != users_.UserName[entry])
+            nameBoxes_[size_t(k)]->setText(users_.UserName[entry]);
+        if (passwordBoxes_[size_t(k)]->text() != users_.UserPassword[entry])
+            passwordBoxes_[size_t(k)]->setText(users_.UserPassword[entry]);
+        readOnlyBoxes_[size_t(k)]->setChecked(users_.UserRights[entry] == 1);
         const QColor colour = rowColour(k);
-        for (QWidget *w : std::initializer_list<QWidget *>{rowFrame_[size_t(k)], uNm[size_t(k)], UserP[size_t(k)]}) {
+        for (QWidget *w : std::initializer_list<QWidget *>{rowFrame_[size_t(k)], nameBoxes_[size_t(k)], passwordBoxes_[size_t(k)]}) {
             QPalette p = w->palette();
             p.setColor(QPalette::Window, colour);
             p.setColor(QPalette::Base, colour);
@@ -196,52 +196,52 @@ void Form6::repaintRows()
             p.setColor(QPalette::WindowText, Qt::black);
             w->setPalette(p);
         }
-        QPalette p = UserPassRO[size_t(k)]->palette();
+        QPalette p = readOnlyBoxes_[size_t(k)]->palette();
         p.setColor(QPalette::WindowText, Qt::black);
-        UserPassRO[size_t(k)]->setPalette(p);
+        readOnlyBoxes_[size_t(k)]->setPalette(p);
     }
 }
 
-int Form6::rowOf(QObject *widget) const
+int UsersWindow::rowOf(QObject *widget) const
 {
     for (int k = 0; k < kRows; ++k)
-        if (widget == uNm[size_t(k)] || widget == UserP[size_t(k)] || widget == UserPassRO[size_t(k)])
+        if (widget == nameBoxes_[size_t(k)] || widget == passwordBoxes_[size_t(k)] || widget == readOnlyBoxes_[size_t(k)])
             return k;
     return -1;
 }
 
-void Form6::selectRow(int row)
+void UsersWindow::selectRow(int row)
 {
     SelectedUser = firstShown() + row;
     repaintRows();
 }
 
-void Form6::takeRights(int row)
+void UsersWindow::takeRights(int row)
 {
     if (SelectedUser == firstShown() + row)
-        users_.UserRights[size_t(SelectedUser)] = UserPassRO[size_t(row)]->isChecked() ? 1 : 0;
+        users_.UserRights[size_t(SelectedUser)] = readOnlyBoxes_[size_t(row)]->isChecked() ? 1 : 0;
 }
 
-void Form6::addEntry()
+void UsersWindow::addEntry()
 {
     for (int i = 1; i < kUserCount; ++i) {
         if (!users_.UserName[size_t(i)].isEmpty() || !users_.UserPassword[size_t(i)].isEmpty())
             continue;
         if (i < firstShown() || i >= firstShown() + kRows)
             scrollTo(std::min(i, kUserCount - kRows));
-        uNm[size_t(i - firstShown())]->setFocus(Qt::OtherFocusReason);
+        nameBoxes_[size_t(i - firstShown())]->setFocus(Qt::OtherFocusReason);
         selectRow(i - firstShown());
         return;
     }
 }
 
-void Form6::deleteSelected()
+void UsersWindow::deleteSelected()
 {
     users_.deleteUser(SelectedUser);
     repaintRows();
 }
 
-void Form6::tryClose()
+void UsersWindow::tryClose()
 {
     const int row = rowOf(QApplication::focusWidget());
     if (row >= 0)
@@ -253,9 +253,9 @@ void Form6::tryClose()
     accept();
 }
 
-void Form6::reject() { tryClose(); }
+void UsersWindow::reject() { tryClose(); }
 
-bool Form6::eventFilter(QObject *watched, QEvent *event)
+bool UsersWindow::eventFilter(QObject *watched, QEvent *event)
 {
     const int row = rowOf(watched);
     switch (event->type()) {
@@ -264,7 +264,7 @@ bool Form6::eventFilter(QObject *watched, QEvent *event)
             selectRow(row);
         break;
     case QEvent::FocusOut:
-        if (row >= 0 && watched != uNm[size_t(row)])
+        if (row >= 0 && watched != nameBoxes_[size_t(row)])
             takeRights(row);
         break;
     case QEvent::KeyPress: {
@@ -275,16 +275,16 @@ bool Form6::eventFilter(QObject *watched, QEvent *event)
         const int step = key == Qt::Key_Up ? -1 : 1;
         const int target = row + step;
         auto *w = static_cast<QWidget *>(watched);
-        const int column = w == uNm[size_t(row)] ? 0 : w == UserP[size_t(row)] ? 1 : 2;
+        const int column = w == nameBoxes_[size_t(row)] ? 0 : w == passwordBoxes_[size_t(row)] ? 1 : 2;
         const auto at = [this, column](int k) -> QWidget * {
-            return column == 0 ? static_cast<QWidget *>(uNm[size_t(k)])
-                : column == 1  ? static_cast<QWidget *>(UserP[size_t(k)])
-                               : static_cast<QWidget *>(UserPassRO[size_t(k)]);
+            return column == 0 ? static_cast<QWidget *>(nameBoxes_[size_t(k)])
+                : column == 1  ? static_cast<QWidget *>(passwordBoxes_[size_t(k)])
+                               : static_cast<QWidget *>(readOnlyBoxes_[size_t(k)]);
         };
         if (target >= 0 && target < kRows) {
             at(target)->setFocus(Qt::OtherFocusReason);
         } else {
-            Usc->setValue(Usc->value() + step);
+            rowScroll_->setValue(rowScroll_->value() + step);
             selectRow(row);
         }
         return true;
@@ -292,7 +292,7 @@ bool Form6::eventFilter(QObject *watched, QEvent *event)
     case QEvent::Wheel:
         if (row >= 0 || std::find(rowFrame_.begin(), rowFrame_.end(), watched) != rowFrame_.end()) {
             const int delta = static_cast<QWheelEvent *>(event)->angleDelta().y();
-            Usc->setValue(Usc->value() - (delta > 0 ? 3 : delta < 0 ? -3 : 0));
+            rowScroll_->setValue(rowScroll_->value() - (delta > 0 ? 3 : delta < 0 ? -3 : 0));
             return true;
         }
         break;

@@ -20,10 +20,10 @@ namespace ff::gui {
 
 class MainWindow;
 
-class Form7 : public QWidget {
+class FindReplaceWindow : public QWidget {
     Q_OBJECT
 public:
-    explicit Form7(MainWindow &main);
+    explicit FindReplaceWindow(MainWindow &main);
 
     // Shows the window for the element that has the focus on the page.
     void open();
@@ -34,7 +34,7 @@ public:
         int found = 0;      // records whose field holds the text
         int changed = 0;    // records written
     };
-    // Command1: replaces over all records.
+    // startButton_: replaces over all records.
     Outcome replaceAll();
 
     // The field's text after the replacement, or a null string when `find` is not in it.
@@ -44,10 +44,10 @@ public:
     // (SortMode 1 ascending, 2 from the end). A stop in the wait window leaves file order.
     static void sortByFocusedField(MainWindow &main, int mode);
 
-    QComboBox *findBox() const { return Combo1; }
-    QComboBox *replaceBox() const { return Combo2; }
-    QCheckBox *matchCaseBox() const { return Check1; }
-    QPushButton *startButton() const { return Command1; }
+    QComboBox *findBox() const { return findBox_; }
+    QComboBox *replaceBox() const { return replaceBox_; }
+    QCheckBox *matchCaseBox() const { return matchCaseBox_; }
+    QPushButton *startButton() const { return startButton_; }
     QString progressText() const;
     QString fieldText() const;
     const SearchField &field() const { return field_; }
@@ -55,15 +55,15 @@ public:
 private:
     MainWindow &main_;
     SearchField field_;
-    QComboBox *Combo1;
-    QComboBox *Combo2;
-    QCheckBox *Check1;
-    QLabel *Label1;
-    QLabel *Label2;
-    QLabel *mLabel;
+    QComboBox *findBox_;
+    QComboBox *replaceBox_;
+    QCheckBox *matchCaseBox_;
+    QLabel *findLabel_;
+    QLabel *replaceLabel_;
+    QLabel *progressLabel_;
     QLabel *fieldLabel_;
-    QPushButton *Command1;
-    QPushButton *ExitNow;
+    QPushButton *startButton_;
+    QPushButton *exitButton_;
 };
 
 } // namespace ff::gui

@@ -19,16 +19,16 @@ int DaysInMonth(int month, int year);
 // cell, else the day number.
 std::array<int, 42> MonthCells(int month, int year, Qt::DayOfWeek firstDayOfWeek);
 
-class Clc : public QDialog {
+class CalendarWindow : public QDialog {
     Q_OBJECT
 public:
-    explicit Clc(QDate start = QDate::currentDate(), QWidget *parent = nullptr);
+    explicit CalendarWindow(QDate start = QDate::currentDate(), QWidget *parent = nullptr);
 
     QDate pickedDate() const { return picked_; }
     int month() const;
     int year() const;
-    QComboBox *yearList() const { return Cyear; }
-    QPushButton *dayCell(int index) const { return Calandera[size_t(index)]; }
+    QComboBox *yearList() const { return yearBox_; }
+    QPushButton *dayCell(int index) const { return dayButtons_[size_t(index)]; }
     void stepMonth(int delta); // the two arrows
 
 Q_SIGNALS:
@@ -36,10 +36,10 @@ Q_SIGNALS:
 
 private:
     void CalcDate();
-    QComboBox *CMonth;
-    QComboBox *Cyear;
-    std::array<QPushButton *, 42> Calandera{};
-    std::array<QLabel *, 7> Calander{};
+    QComboBox *monthBox_;
+    QComboBox *yearBox_;
+    std::array<QPushButton *, 42> dayButtons_{};
+    std::array<QLabel *, 7> dayNames_{};
     QDate picked_;
     int firstYear_;
 };
