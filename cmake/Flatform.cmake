@@ -16,13 +16,18 @@ if(FLATFORM_FUZZ)
 endif()
 target_compile_definitions(flatform_options INTERFACE QT_NO_KEYWORDS)
 
+# Record text is code-page bytes: a text meets a QString only through an explicit conversion, never
+# through Qt's implicit UTF-8 one. Libraries and programs are built so; tests compare with literals.
+add_library(flatform_text_rules INTERFACE)
+target_compile_definitions(flatform_text_rules INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY)
+
 # flatform_library(<name> SOURCES ... [PUBLIC_DEPS ...] [PRIVATE_DEPS ...])
 # One static library per subsystem; headers are included as <subsystem/Header.h>.
 function(flatform_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC_DEPS;PRIVATE_DEPS" ${ARGN})
   add_library(ff_${name} STATIC ${ARG_SOURCES})
   target_include_directories(ff_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
-  target_link_libraries(ff_${name} PUBLIC ${ARG_PUBLIC_DEPS} PRIVATE flatform_options ${ARG_PRIVATE_DEPS})
+  target_link_libraries(ff_${name} PUBLIC ${ARG_PUBLIC_DEPS} PRIVATE flatform_options flatform_text_rules ${ARG_PRIVATE_DEPS})
 endfunction()
 
 # flatform_test(<name> SOURCES ... LIBS ... [QT])

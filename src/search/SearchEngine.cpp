@@ -203,7 +203,7 @@ SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, S
     const CodePage &cp = codec_.codePage();
     const CaseFold fold = q.matchCase ? CaseFold::identity() : CaseFold(cp);
     const uint8_t *table = fold.table();
-    const FieldReader reader(separator_.isEmpty() ? QChar('.') : separator_.at(0), locale_);
+    const FieldReader reader(separator_.isEmpty() ? QLatin1Char('.') : separator_.at(0), locale_);
     const RowTester tester{reader, table};
 
     // Which records, in which order.
