@@ -44,8 +44,8 @@ public:
             return 1;
         Database &db = opened.db();
         RecordStore &store = db.store();
-        if (record < 1 || record > store.RecordCount) {
-            err << "formulas: no record " << record << " (the file holds " << store.RecordCount << ")\n";
+        if (record < 1 || record > store.RecordCount()) {
+            err << "formulas: no record " << record << " (the file holds " << store.RecordCount() << ")\n";
             return 1;
         }
         const auto changes = parseAssignments(sets, db.design());
@@ -53,12 +53,15 @@ public:
             err << "formulas: " << changes.error().text << "\n";
             return 2;
         }
-        store.JumpToRecord(record);
+        if (const Status moved = store.JumpToRecord(record); !moved) {
+            err << "formulas: record " << record << " could not be read: " << moved.error().text << "\n";
+            return 1;
+        }
         if (const Status applied = applyAssignments(db, *changes, opened.context().locale); !applied) {
             err << "formulas: " << applied.error().text << "\n";
             return 2;
         }
-        store.hooks().RunFormulas(db.page(), store.CurrentRecord);
+        store.hooks().RunFormulas(db.page(), store.CurrentRecord());
         for (const auto &v : fieldValues(db))
             out << v.first << "\t" << escaped(v.second) << "\n";
         return 0;

@@ -29,8 +29,8 @@ bool CliDatabase::open(const QString &image, const QString &dataFile, bool write
     }
     // Reading verbs never write, not even the first record of an empty file.
     if (!writes)
-        db_->store().ViewOnlyMode = true;
-    return db_->OpenDatabase(0).ok();
+        db_->store().setViewOnly(true);
+    return db_->OpenDatabase(OpenMode::Open).ok();
 }
 
 Tag parseTag(const QString &text, const Design &d)

@@ -46,11 +46,11 @@ public:
         }
 
         if (verb == QLatin1String("count") && args.isEmpty()) {
-            out << store.RecordCount << "\n";
+            out << store.RecordCount() << "\n";
             return 0;
         }
         if (verb == QLatin1String("list") && args.isEmpty()) {
-            for (int r = 1; r <= store.RecordCount; ++r) {
+            for (int r = 1; r <= store.RecordCount(); ++r) {
                 if (!store.JumpToRecord(r))
                     continue;
                 out << r;
@@ -65,7 +65,7 @@ public:
                 err << "records: the new record could not be written\n";
                 return 1;
             }
-            out << store.CurrentRecord << "\n";
+            out << store.CurrentRecord() << "\n";
             store.close();
             return 0;
         }
@@ -73,12 +73,17 @@ public:
             return usageError(err);
         bool ok = false;
         const int record = args.takeFirst().toInt(&ok);
-        if (!ok || record < 1 || record > store.RecordCount) {
-            err << "records: no record " << record << " (the file holds " << store.RecordCount << ")\n";
+        if (!ok || record < 1 || record > store.RecordCount()) {
+            err << "records: no record " << record << " (the file holds " << store.RecordCount() << ")\n";
+            return 1;
+        }
+        // Every verb below works on the record it names: one that cannot be read is an error,
+        // never the record that happened to be on the page.
+        if (const Status moved = store.JumpToRecord(record); !moved) {
+            err << "records: record " << record << " could not be read: " << moved.error().text << "\n";
             return 1;
         }
         if (verb == QLatin1String("show") && args.isEmpty()) {
-            store.JumpToRecord(record);
             for (const auto &v : shownValues(db))
                 out << v.first << "\t" << escaped(v.second) << "\n";
             return 0;
@@ -86,7 +91,6 @@ public:
         if (verb == QLatin1String("set") && !args.isEmpty())
             return set(db, record, args, opened.context().locale, out, err);
         if (verb == QLatin1String("clear") && args.isEmpty()) {
-            store.JumpToRecord(record);
             if (!store.ClearRecord()) {
                 err << "records: record " << record << " is in use by another user; nothing written\n";
                 return 1;
@@ -124,8 +128,6 @@ private:
                 return 2;
             }
         }
-        if (!store.JumpToRecord(record))
-            return 1;
         if (!store.LockRecord()) {
             err << "records: record " << record << " is in use by another user; nothing written\n";
             return 1;
@@ -133,16 +135,18 @@ private:
         Page &p = db.page();
         if (const Status applied = applyAssignments(db, *changes, locale); !applied) {
             err << "records: " << applied.error().text << "; nothing written\n";
-            store.UnlockRecord();
+            // The program ends next, and the lock with its file handle.
+            std::ignore = store.UnlockRecord();
             return 2;
         }
-        store.hooks().RunFormulas(p, store.CurrentRecord);
+        store.hooks().RunFormulas(p, store.CurrentRecord());
         const Status written = store.PackRecord();
         if (!written) {
             err << "records: record " << record << " could not be written: " << written.error().text << "\n";
             return 1;
         }
-        store.UnpackRecord();
+        // Shown as stored; when it cannot be read back, as it was written.
+        std::ignore = store.UnpackRecord();
         for (const auto &v : shownValues(db))
             out << v.first << "\t" << escaped(v.second) << "\n";
         return 0;

@@ -51,13 +51,13 @@ public:
             err << "sort: no stored element " << args.at(1) << "\n";
             return 1;
         }
-        const Status s = SortIndexBuilder::BuildSortIndex(store, field, down ? 2 : 1);
+        const Status s = SortIndexBuilder::BuildSortIndex(store, field, down ? BrowseOrder::SortIndexDown : BrowseOrder::SortIndexUp);
         if (!s) {
             err << "sort: " << s.error().text << "\n";
             return 1;
         }
         out.flush();
-        const QVector<int> &index = store.SortIndex;
+        const QVector<int> &index = store.SortIndex();
         std::string text;
         text.reserve(size_t(index.size()) * 8);
         char buf[16];

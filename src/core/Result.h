@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <optional>
+#include <tuple> // std::ignore, for results dropped on purpose
 #include <utility>
 
 namespace ff {
@@ -25,8 +26,10 @@ struct Error {
     QString text;
 };
 
+// A result nobody looks at is a lost error, so the compiler refuses to let one drop: a caller
+// handles it or writes `std::ignore = ...;` with the reason beside it.
 template <typename T>
-class Result {
+class [[nodiscard]] Result {
 public:
     Result(T value) : value_(std::move(value)) {}
     Result(Error error) : error_(std::move(error)) {}
@@ -47,7 +50,7 @@ private:
 };
 
 // Result of an operation with no value.
-class Status {
+class [[nodiscard]] Status {
 public:
     Status() = default;
     Status(Error error) : error_(std::move(error)) {}

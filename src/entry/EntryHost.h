@@ -20,8 +20,9 @@ public:
     // LockRecord: marks the record dirty and takes its lock. PermissionDenied when another user
     // holds it; the host has then shown the stored record again and the edit is thrown away.
     virtual Status lockRecord() = 0;
-    // The saving rule: a dirty record is written before the page leaves it.
-    virtual void saveIfDirty() = 0;
+    // The saving rule: a dirty record is written before the page leaves it. A failure has been
+    // shown; the record stays on the page, and the action that wanted to leave it stops.
+    virtual Status saveIfDirty() = 0;
     // RunFormulas over the record on the page.
     virtual void runFormulas() = 0;
 

@@ -74,10 +74,11 @@ void PageActions::buttonPressed(int index)
     } else if (TagRules::isEndTag(tag)) {
         host_.endProgram();
     } else if (TagRules::isNewRecordTag(tag)) {
-        host_.saveIfDirty();
-        host_.newRecord();
+        if (host_.saveIfDirty())
+            host_.newRecord();
     } else {
-        host_.saveIfDirty();
+        if (!host_.saveIfDirty())
+            return;
         if (TagRules::wantsPaste(tag))
             host_.copyRecordToClipboard(); // the program started by the tag takes it with "-paste"
         openTagText(tag);
@@ -86,7 +87,8 @@ void PageActions::buttonPressed(int index)
 
 void PageActions::runScript(const QString &script)
 {
-    host_.saveIfDirty();
+    if (!host_.saveIfDirty())
+        return;
     for (const QString &raw : TagRules::scriptLines(script)) {
         const QString line = host_.insertV(raw);
         Status status;
@@ -102,7 +104,8 @@ void PageActions::runScript(const QString &script)
         }
     }
     host_.runFormulas();
-    host_.lockRecord();
+    // Refused: the host has put the stored record back, and the script's changes go with it.
+    std::ignore = host_.lockRecord();
 }
 
 bool PageActions::picturePressed(int index)
@@ -116,8 +119,10 @@ bool PageActions::picturePressed(int index)
         host_.openWithDesktop(host_.substituteTags(picture.PictureLink), QString());
     if (!picture.Stretch)
         return false;
-    host_.lockRecord();
-    return true;
+    // The picture editor works on the record: only another user's lock keeps it closed, as it
+    // throws a typed edit away.
+    const Status locked = host_.lockRecord();
+    return locked.ok() || locked.error().code != ErrorCode::PermissionDenied;
 }
 
 } // namespace ff

@@ -35,7 +35,7 @@ public:
 
     // A press on picture Pixbox(index): its hint goes to the status line and its link is opened.
     // Returns true when the window should open the picture editor: a per-record picture, for which
-    // the record has been locked.
+    // the record has been locked; false when another user holds it.
     bool picturePressed(int index);
 
 private:

@@ -5,6 +5,7 @@
 #include "gui/MainWindowHost.h"
 #include "gui/ResultsWindow.h"
 #include "gui/MainWindow.h"
+#include "gui/SearchSession.h"
 #include "search/RecordScanner.h"
 #include "search/SearchNames.h"
 #include "search/SortIndexBuilder.h"
@@ -81,7 +82,7 @@ FindReplaceWindow::FindReplaceWindow(MainWindow &main)
     startButton_->setDefault(true);
     connect(startButton_, &QPushButton::clicked, this, [this] { replaceAll(); });
     connect(exitButton_, &QPushButton::clicked, this, [this] {
-        ResultsWindow::AbortFlag = true;
+        main_.searchSession().requestStop();
         close();
     });
 
@@ -134,7 +135,7 @@ QString FindReplaceWindow::replacedText(const QString &text, const QString &find
 FindReplaceWindow::Outcome FindReplaceWindow::replaceAll()
 {
     Outcome outcome;
-    ResultsWindow::AbortFlag = false;
+    main_.searchSession().clearStop();
     const QString find = findBox_->currentText();
     const QString with = replaceBox_->currentText();
     if (find.isEmpty() || with.isEmpty() || !holdsText(field_))
@@ -145,11 +146,15 @@ FindReplaceWindow::Outcome FindReplaceWindow::replaceAll()
         return outcome;
     remember(findBox_, find);
     remember(replaceBox_, with);
+    // The record on the page goes to the file first, and its lock with it. One that cannot be
+    // saved (the store has said so) stops the replace: the page is read back at the end, and its
+    // edit would be lost.
+    if (!store.SaveIfDirty())
+        return outcome;
     outcome.ran = true;
-
-    store.SaveIfDirty(); // the record on the page goes to the file first, and its lock with it
-    store.refreshCount();
-    const int count = store.RecordCount;
+    // Other users' new records come into the count; when it cannot be read, the last one stands.
+    std::ignore = store.refreshCount();
+    const int count = store.RecordCount();
     const bool scrambled = main_.design().ScrambleRecords == 1;
     const CodePage &codePage = store.codec().codePage();
     RecordScanner scanner(store.file(), count, scrambled);
@@ -161,7 +166,7 @@ FindReplaceWindow::Outcome FindReplaceWindow::replaceAll()
             const int percent = int(int64_t(n - 1) * 100 / count);
             progressLabel_->setText(QStringLiteral("%1%").arg(percent));
             wait.setPercent(percent);
-            if (wait.cancelled() || ResultsWindow::AbortFlag) {
+            if (wait.cancelled() || main_.searchSession().stopRequested()) {
                 outcome.aborted = true;
                 break;
             }
@@ -193,17 +198,20 @@ FindReplaceWindow::Outcome FindReplaceWindow::replaceAll()
     progressLabel_->setText(outcome.aborted ? tr("Stopped: %n record(s) changed", nullptr, outcome.changed)
                                     : tr("%n record(s) changed", nullptr, outcome.changed));
     // The record on the page as it is stored now.
-    if (store.RecordCount > 0) {
-        store.UnpackRecord();
+    if (store.RecordCount() > 0) {
+        // When it cannot be read the page keeps what it showed; the file holds the changes.
+        std::ignore = store.UnpackRecord();
         main_.host().recordShown();
     }
     return outcome;
 }
 
-void FindReplaceWindow::sortByFocusedField(MainWindow &main, int mode)
+void FindReplaceWindow::sortByFocusedField(MainWindow &main, BrowseOrder order)
 {
     RecordStore &store = main.database().store();
-    store.SaveIfDirty();
+    // The sort reads the stored records and leaves the page alone: a record that cannot be saved
+    // (the store has said so) stays on the page with its edit, and the sort goes on.
+    std::ignore = store.SaveIfDirty();
     const EntryState &state = main.entry().state();
     if (state.focusKind == FocusKind::Field && state.focusIndex > 0 &&
         size_t(state.focusIndex) < main.design().Fields.size() && main.design().Fields[size_t(state.focusIndex)].FieldGlobal)
@@ -213,7 +221,8 @@ void FindReplaceWindow::sortByFocusedField(MainWindow &main, int mode)
         return;
     toolkit::WaitWindow wait(&main);
     wait.begin();
-    SortIndexBuilder::BuildSortIndex(store, field, mode, &wait);
+    // A field the index cannot be built for leaves the order as it was.
+    std::ignore = SortIndexBuilder::BuildSortIndex(store, field, order, &wait);
     wait.end();
     main.host().recordShown();
 }

@@ -8,6 +8,7 @@
 // in its order, ascending or from its end.
 
 #include "search/SearchQuery.h"
+#include "store/RecordStore.h"
 
 #include <QWidget>
 
@@ -29,7 +30,8 @@ public:
     void open();
 
     struct Outcome {
-        bool ran = false;   // false: an empty text, no field that takes text, or read-only
+        bool ran = false;   // false: an empty text, no field that takes text, read-only, or the
+                            // record on the page could not be saved
         bool aborted = false;
         int found = 0;      // records whose field holds the text
         int changed = 0;    // records written
@@ -41,8 +43,8 @@ public:
     static QString replacedText(const QString &text, const QString &find, const QString &with, bool matchCase);
 
     // Finden(1) and Finden(2): the sort index of the focused element, then browsing in its order
-    // (SortMode 1 ascending, 2 from the end). A stop in the wait window leaves file order.
-    static void sortByFocusedField(MainWindow &main, int mode);
+    // (`order` SortIndexUp or SortIndexDown). A stop in the wait window leaves file order.
+    static void sortByFocusedField(MainWindow &main, BrowseOrder order);
 
     QComboBox *findBox() const { return findBox_; }
     QComboBox *replaceBox() const { return replaceBox_; }

@@ -118,7 +118,7 @@ MainWindow::MainWindow(AppPaths paths, DesignLoad load, QWidget *parent)
     actions_ = std::make_unique<PageActions>(db_->page(), *host_, entry_->state());
     buildToolbar();
     buildPage();
-    openData(0);
+    openData(OpenMode::Open);
 }
 
 MainWindow::~MainWindow()
@@ -327,7 +327,9 @@ void MainWindow::Finden(int command)
         searchWindow_->open();
         break;
     case 1:
-    case 2: FindReplaceWindow::sortByFocusedField(*this, command); break;
+    case 2:
+        FindReplaceWindow::sortByFocusedField(*this, command == 1 ? BrowseOrder::SortIndexUp : BrowseOrder::SortIndexDown);
+        break;
     case 3:
         if (!findActions_[3]->isVisible())
             return;
@@ -370,21 +372,23 @@ void MainWindow::setTabOrder()
     }
 }
 
-void MainWindow::openData(int mode)
+void MainWindow::openData(OpenMode mode)
 {
     if (!loadError_.text.isEmpty() && design().DataExtension.isEmpty()) {
         recordShown();
         return;
     }
-    db_->OpenDatabase(mode);
-    binder_->setPictureFolder(db_->store().RecordPictureFolder,
+    // File errors have been shown by the database; the window shows what is on the page, and
+    // the status line which file that is.
+    std::ignore = db_->OpenDatabase(mode);
+    binder_->setPictureFolder(db_->store().RecordPictureFolder(),
                               QPixmap(QDir(paths_.AppFolder).filePath(QStringLiteral("0.jpg"))));
     binder_->refreshAll();
     const bool writable = db_->store().writingAllowed();
     newButton_->setEnabled(writable);
     findActions_[3]->setVisible(writable && !design().Finden3Caption.isEmpty());
     if (design().AutoRunButton == 1 && !design().Buttons.empty()) {
-        db_->store().RecordDirty = false;
+        db_->store().markClean();
         actions_->buttonPressed(0);
     }
     recordShown();
@@ -392,14 +396,18 @@ void MainWindow::openData(int mode)
 
 void MainWindow::openDataFile(const QString &fileName, bool create)
 {
-    db_->store().SaveIfDirty();
+    // Another file takes the page: a record that cannot be saved (the store has said so) keeps
+    // this one open.
+    if (!db_->store().SaveIfDirty())
+        return;
     db_->DataFileName = fileName;
-    openData(create ? 1 : 0);
+    openData(create ? OpenMode::Create : OpenMode::Open);
 }
 
 void MainWindow::chooseDataFile(bool create)
 {
-    db_->store().SaveIfDirty();
+    if (!db_->store().SaveIfDirty())
+        return;
     const Design &d = design();
     const QString filter = tr("Data files (*.%1);;All files (*)").arg(d.DataExtension);
     const QString caption = create ? tipOf(d.CaptionRun[1]) : tipOf(d.CaptionRun[0]);
@@ -425,8 +433,8 @@ void MainWindow::chooseDataFile(bool create)
 void MainWindow::recordShown()
 {
     const RecordStore &s = db_->store();
-    context_.RecordCount = s.RecordCount;
-    recordBox_->setText(QString::number(s.CurrentRecord));
+    context_.RecordCount = s.RecordCount();
+    recordBox_->setText(QString::number(s.CurrentRecord()));
     QString text;
     if (!loadError_.text.isEmpty())
         text = tr("The design could not be read completely: %1").arg(loadError_.text);
@@ -435,8 +443,8 @@ void MainWindow::recordShown()
     else
         text = tr("%1: record %2 of %3%4")
                    .arg(QFileInfo(db_->DataFileName).fileName())
-                   .arg(s.CurrentRecord)
-                   .arg(s.RecordCount)
+                   .arg(s.CurrentRecord())
+                   .arg(s.RecordCount())
                    .arg(s.writingAllowed() ? QString() : tr(" (read only)"));
     status_->setText(text);
 }
@@ -449,8 +457,10 @@ void MainWindow::jumpToTypedRecord()
 {
     bool ok = false;
     const int n = recordBox_->text().toInt(&ok);
-    if (ok && n >= 1 && n <= db_->store().RecordCount) {
-        db_->store().JumpToRecord(n);
+    if (ok && n >= 1 && n <= db_->store().RecordCount()) {
+        // A record that cannot be read leaves the page as it was, and the box gets the number of
+        // the record shown back below.
+        std::ignore = db_->store().JumpToRecord(n);
     }
     recordShown();
 }
@@ -494,13 +504,22 @@ void MainWindow::closeEvent(QCloseEvent *event)
         event->accept();
         return;
     }
+    const bool stopWatchRan = stopWatchTimer_->isActive();
     stopWatchTimer_->stop();
     clockTimer_->stop();
     // Leaving the page saves a dirty record and rewrites the per-user file; "END" ends at once.
     if (!endingNow_) {
         if (QWidget *focus = QApplication::focusWidget())
             focus->clearFocus(); // the field being typed in converts its text first
-        db_->shutdown();
+        if (!db_->shutdown() && db_->store().RecordDirty()) {
+            // The record could not be saved (the store has said so): the window stays open with
+            // the edit on the page, so that the user can correct it or copy it away.
+            clockTimer_->start();
+            if (stopWatchRan)
+                stopWatchTimer_->start();
+            event->ignore();
+            return;
+        }
     }
     event->accept();
 }

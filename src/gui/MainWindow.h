@@ -7,6 +7,8 @@
 #include "design/AppPaths.h"
 #include "design/DesignReader.h"
 #include "formula/FormulaContext.h"
+#include "gui/SearchSession.h"
+#include "store/RecordStore.h"
 
 #include <QMainWindow>
 #include <memory>
@@ -54,6 +56,8 @@ public:
     QToolButton *newButton() const { return newButton_; }
     QString statusText() const;
     FormulaContext &context() { return context_; }
+    // Shared by the results windows and the find-and-replace window.
+    SearchSession &searchSession() { return searchSession_; }
 
     // The find commands: 0 the search window, 1 sort up, 2 sort down, 3 find and replace.
     void Finden(int command);
@@ -75,7 +79,7 @@ private:
     void buildToolbar();
     void buildPage();
     void setTabOrder();
-    void openData(int mode);
+    void openData(OpenMode mode);
     void recordShown();
     void showPage(int page);
     void jumpToTypedRecord();
@@ -88,6 +92,7 @@ private:
     AppPaths paths_;
     Error loadError_;
     FormulaContext context_;
+    SearchSession searchSession_;
     std::unique_ptr<EngineFormulaHooks> hooks_;
     std::unique_ptr<RelayHost> relay_;
     std::unique_ptr<Database> db_;

@@ -33,17 +33,23 @@ Status MainWindowHost::lockRecord()
     return s;
 }
 
-void MainWindowHost::saveIfDirty() { db_.store().SaveIfDirty(); }
+// A failed save has been shown by the store; the record stays on the page, dirty.
+Status MainWindowHost::saveIfDirty() { return db_.store().SaveIfDirty(); }
 
 void MainWindowHost::navigate(int button)
 {
-    db_.store().NavigateRecord(button);
+    if (button < 0 || button > 5)
+        return;
+    // A failed save has been shown by the store; a record that cannot be read leaves the page as
+    // it was. The record box and the status line show which record is there either way.
+    std::ignore = db_.store().NavigateRecord(static_cast<NavigationButton>(button));
     shown();
 }
 
 void MainWindowHost::newRecord()
 {
-    db_.store().NewRecord();
+    // As navigate(): a failed save or a full file has been shown; the page says where it is.
+    std::ignore = db_.store().NewRecord();
     shown();
 }
 

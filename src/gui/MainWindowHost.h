@@ -31,7 +31,7 @@ public:
     // EntryHost
     bool readOnly() const override;
     Status lockRecord() override;
-    void saveIfDirty() override;
+    Status saveIfDirty() override;
     void navigate(int button) override;
     void newRecord() override;
     void endProgram() override;

@@ -2,6 +2,7 @@
 
 #include "gui/MainWindowHost.h"
 #include "gui/MainWindow.h"
+#include "gui/SearchSession.h"
 #include "gui/Twips.h"
 #include "store/Database.h"
 #include "toolkit/WaitWindow.h"
@@ -18,26 +19,23 @@
 
 namespace ff::gui {
 
-bool ResultsWindow::AbortFlag = false;
-int ResultsWindow::ProgressStep = 2048;
-int ResultsWindow::WindowCount = 0;
-
 namespace {
 
 // The wait window and the results windows' own stop buttons, as one stop for the engine.
 class StopProgress : public Progress {
 public:
-    explicit StopProgress(toolkit::WaitWindow &wait) : wait_(wait) {}
+    StopProgress(toolkit::WaitWindow &wait, SearchSession &session) : wait_(wait), session_(session) {}
     void setPercent(int percent) override { wait_.setPercent(percent); }
     bool cancelled() override
     {
         if (wait_.cancelled())
-            ResultsWindow::AbortFlag = true;
-        return ResultsWindow::AbortFlag;
+            session_.requestStop();
+        return session_.stopRequested();
     }
 
 private:
     toolkit::WaitWindow &wait_;
+    SearchSession &session_;
 };
 
 // The final word of sum, count and replace in the program's message box.
@@ -119,7 +117,7 @@ ResultsWindow *ResultsWindow::start(MainWindow &main, const Request &request)
 }
 
 ResultsWindow::ResultsWindow(MainWindow &main, Request request)
-    : QWidget(&main, Qt::Window), main_(main), request_(std::move(request)), searchLabel_(new QLabel(this)),
+    : QWidget(&main, Qt::Window), main_(main), session_(main.searchSession()), request_(std::move(request)), searchLabel_(new QLabel(this)),
       lineBox_(new QLineEdit(this)), stopButton_(new QPushButton(tr("Stop"), this)), exitButton_(new QPushButton(tr("Close"), this)),
       exportButton_(new QPushButton(tr("Export..."), this)), reportButton_(new QPushButton(tr("Report..."), this)),
       printButton_(new QPushButton(tr("Print..."), this)), list_(new toolkit::SortableList(this)), wait_(new toolkit::WaitWindow(&main))
@@ -138,9 +136,9 @@ ResultsWindow::ResultsWindow(MainWindow &main, Request request)
             runSearch(lineBox_->text(), true);
     });
     stopButton_->setToolTip(tr("Stops the search under way; what was found stays listed"));
-    connect(stopButton_, &QPushButton::clicked, this, [] { AbortFlag = true; });
+    connect(stopButton_, &QPushButton::clicked, this, [this] { session_.requestStop(); });
     connect(exitButton_, &QPushButton::clicked, this, [this] {
-        AbortFlag = true;
+        session_.requestStop();
         close();
     });
     // Printing the list, its reports and its export come with those features.
@@ -164,9 +162,8 @@ ResultsWindow::ResultsWindow(MainWindow &main, Request request)
 
     // Each window one step (200 twips) lower and further right than the last; beside the main
     // window when the screen has room, so that the record a row shows stays in sight.
-    ++WindowCount;
     const int step = toPixels(200, twipsPerPixel(&main));
-    const int k = (WindowCount - 1) % 12;
+    const int k = session_.windowMade() % 12;
     const QRect mainFrame = main.frameGeometry();
     QPoint at = mainFrame.topLeft() + QPoint(40 + k * step, 60 + k * step);
     if (const QScreen *screen = main.screen()) {
@@ -199,10 +196,13 @@ void ResultsWindow::runSearch(const QString &line, bool withinHits)
 {
     Database &db = main_.database();
     RecordStore &store = db.store();
-    // The walk reads the stored records: the one on the page is saved first.
-    store.SaveIfDirty();
-    if (!withinHits && store.SortMode == 3)
-        store.SortMode = 0;
+    // The walk reads the stored records: the one on the page is saved first. A record that
+    // cannot be saved (the store has said so) stops the search before it starts: its results
+    // would miss the edit, and a replace would write over it.
+    if (!store.SaveIfDirty())
+        return;
+    if (!withinHits && store.browseOrder() == BrowseOrder::ResultList)
+        store.setBrowseOrder(BrowseOrder::FileOrder);
 
     SearchEngine engine(store, db.DecimalSeparator, main_.context().locale);
     const CompiledQuery query = engine.compile(line, request_.matchCase, request_.focus);
@@ -212,20 +212,20 @@ void ResultsWindow::runSearch(const QString &line, bool withinHits)
     options.forward = request_.forward;
     options.matchCase = request_.matchCase;
     options.silent = request_.silent;
-    options.progressStep = ProgressStep;
+    options.progressStep = session_.progressStep();
     if (withinHits)
         options.within = &previous;
-    else if (store.SortMode == 1 || store.SortMode == 2) {
-        options.sortIndex = &store.SortIndex;
-        options.sortMode = store.SortMode;
+    else if (store.browseOrder() == BrowseOrder::SortIndexUp || store.browseOrder() == BrowseOrder::SortIndexDown) {
+        options.sortIndex = &store.SortIndex();
+        options.order = store.browseOrder();
     }
     // The silent flag is read once, by the search it came with.
     request_.silent = false;
 
-    AbortFlag = false;
+    session_.clearStop();
     running_ = true;
     stopButton_->setEnabled(true);
-    StopProgress progress(*wait_);
+    StopProgress progress(*wait_, session_);
     options.progress = &progress;
     wait_->begin();
     MessageHost host(&main_);
@@ -234,9 +234,10 @@ void ResultsWindow::runSearch(const QString &line, bool withinHits)
     running_ = false;
     stopButton_->setEnabled(false);
 
-    if (r.command == CommandKind::Replace && r.Replacements > 0 && !store.RecordDirty) {
-        // The record on the page may be one of those changed.
-        store.UnpackRecord();
+    if (r.command == CommandKind::Replace && r.Replacements > 0 && !store.RecordDirty()) {
+        // The record on the page may be one of those changed. When it cannot be read again the
+        // page keeps what it showed; the file holds the replacements all the same.
+        std::ignore = store.UnpackRecord();
         main_.host().recordShown();
     }
     if (withinHits && r.command != CommandKind::Select && r.command != CommandKind::Find)
@@ -256,7 +257,7 @@ void ResultsWindow::setUpColumns()
         if (c <= result_.columnCount) {
             const SearchField &f = result_.columns[size_t(c - 1)];
             list_->NameButton(c, fieldCaption(d, f));
-            list_->ASearchTypes(c, columnKind(f));
+            std::ignore = list_->ASearchTypes(c, columnKind(f)); // c is within the list's columns
             // The width of the field on the page, within reason.
             double twips = 1500;
             const size_t i = size_t(f.index);
@@ -300,9 +301,11 @@ void ResultsWindow::showResult()
 void ResultsWindow::showRecord(int32_t record)
 {
     RecordStore &store = main_.database().store();
-    if (record == store.CurrentRecord || record < 1 || record > store.RecordCount)
+    if (record == store.CurrentRecord() || record < 1 || record > store.RecordCount())
         return;
-    store.JumpToRecord(record);
+    // A record that cannot be read leaves the page as it was; the main window shows which record
+    // is there.
+    std::ignore = store.JumpToRecord(record);
     main_.host().recordShown();
 }
 

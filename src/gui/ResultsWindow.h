@@ -22,6 +22,7 @@ class SortableList;
 namespace ff::gui {
 
 class MainWindow;
+class SearchSession;
 
 class ResultsWindow : public QWidget {
     Q_OBJECT
@@ -53,13 +54,6 @@ public:
     // The columns listed, for the captions (result().columns holds the fields).
     QStringList captions() const;
 
-    // Shared by all results windows: stop in one stops the search under way.
-    static bool AbortFlag;
-    // Records between two looks at the stop buttons.
-    static int ProgressStep;
-    // Results windows made in this run; each stands one step further along.
-    static int WindowCount;
-
     // The caption of a field's column: its tool tip (the label the designer gave it), else its
     // name, else its kind and number.
     static QString fieldCaption(const Design &design, const SearchField &field);
@@ -70,6 +64,7 @@ private:
     void showResult();
 
     MainWindow &main_;
+    SearchSession &session_; // the main window's: shared with the other results windows
     Request request_;
     SearchResult result_;
     QLabel *searchLabel_;

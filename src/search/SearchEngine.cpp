@@ -26,7 +26,7 @@ SearchEngine::SearchEngine(const Design &design, const RecordLayout &layout, con
 }
 
 SearchEngine::SearchEngine(RecordStore &store, QChar decimalSeparator, QLocale locale)
-    : SearchEngine(store.design(), store.layout(), store.codec(), store.file(), store.RecordCount,
+    : SearchEngine(store.design(), store.layout(), store.codec(), store.file(), store.RecordCount(),
                    !store.writingAllowed() || store.file().readOnly(), decimalSeparator, std::move(locale))
 {
 }
@@ -208,7 +208,7 @@ SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, S
 
     // Which records, in which order.
     const bool useWithin = o.within && !o.within->isEmpty();
-    const bool useSort = !useWithin && o.sortIndex && (o.sortMode == 1 || o.sortMode == 2);
+    const bool useSort = !useWithin && o.sortIndex && (o.order == BrowseOrder::SortIndexUp || o.order == BrowseOrder::SortIndexDown);
     const int64_t total = useWithin ? o.within->size() : useSort ? std::min<int64_t>(o.sortIndex->size() - 1, recordCount_)
                                                                : recordCount_;
     const bool ascending = q.command == CommandKind::Sum || o.forward;
@@ -219,7 +219,7 @@ SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, S
         if (useWithin)
             return o.within->at(pos - 1);
         if (useSort)
-            return o.sortMode == 2 ? o.sortIndex->at(total + 1 - pos) : o.sortIndex->at(pos);
+            return o.order == BrowseOrder::SortIndexDown ? o.sortIndex->at(total + 1 - pos) : o.sortIndex->at(pos);
         return pos;
     };
 

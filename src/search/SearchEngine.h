@@ -16,6 +16,7 @@
 #include "search/SearchQuery.h"
 #include "store/RecordCodec.h"
 #include "store/RecordFile.h"
+#include "store/RecordStore.h"
 
 #include <QLocale>
 #include <QStringList>
@@ -42,7 +43,7 @@ struct SearchOptions {
     int64_t twoThreadsFrom = 65536;
     const QVector<int> *within = nullptr; // hits of an earlier search: only those are walked
     const QVector<int> *sortIndex = nullptr; // a browse order (entry 0 unused)
-    int sortMode = 0;          // 1: sortIndex in order, 2: read from its end
+    BrowseOrder order = BrowseOrder::FileOrder; // SortIndexUp / SortIndexDown read sortIndex
     Progress *progress = nullptr;
 };
 

@@ -190,18 +190,17 @@ Result<SortIndexBuilder::Outcome> SortIndexBuilder::build(const SearchField &fie
     return out;
 }
 
-Status SortIndexBuilder::BuildSortIndex(RecordStore &store, const SearchField &field, int mode, Progress *progress)
+Status SortIndexBuilder::BuildSortIndex(RecordStore &store, const SearchField &field, BrowseOrder order, Progress *progress)
 {
-    SortIndexBuilder builder(store.design(), store.file(), store.RecordCount);
+    SortIndexBuilder builder(store.design(), store.file(), store.RecordCount());
     Result<Outcome> r = builder.build(field, progress);
     if (!r)
         return r.error();
     if (r->aborted) {
-        store.SortMode = 0;
+        store.setBrowseOrder(BrowseOrder::FileOrder);
         return {};
     }
-    store.SortIndex = r->SortIndex;
-    store.SortMode = mode;
+    store.setBrowseOrder(order, r->SortIndex);
     return {};
 }
 

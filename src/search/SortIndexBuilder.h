@@ -10,13 +10,13 @@
 #include "design/Design.h"
 #include "search/SearchQuery.h"
 #include "store/RecordFile.h"
+#include "store/RecordStore.h"
 
 #include <QVector>
 #include <cstdint>
 
 namespace ff {
 
-class RecordStore;
 
 class SortIndexBuilder {
 public:
@@ -29,9 +29,9 @@ public:
     // `field`: the focused element (SearchNames::describe). Invalid fields give an error.
     Result<Outcome> build(const SearchField &field, Progress *progress = nullptr, int progressStep = 65536) const;
 
-    // Builds the index of the focused element and puts the store in SortMode `mode` (1 ascending,
-    // 2 read from the end). A stop press sets SortMode back to 0.
-    static Status BuildSortIndex(RecordStore &store, const SearchField &field, int mode, Progress *progress = nullptr);
+    // Builds the index of the focused element and puts the store in `order` (SortIndexUp or
+    // SortIndexDown). A stop press puts the store back in file order.
+    static Status BuildSortIndex(RecordStore &store, const SearchField &field, BrowseOrder order, Progress *progress = nullptr);
 
     // The sorts themselves, for tests: ascending, moving `order` along with the keys.
     template <typename Key>

@@ -27,7 +27,8 @@ void Database::start()
     // The design's administrator password, coded, unless the per-user file holds another.
     if (!design_->AdminPassword.isEmpty())
         users_.UserPassword[0] = CodeText(design_->AdminPassword, codePage_);
-    UserFile::Read(paths_.userFilePath(), *page_, users_);
+    // A missing or short per-user file leaves the defaults: the first run has none.
+    std::ignore = UserFile::Read(paths_.userFilePath(), *page_, users_);
     DataFileName = paths_.dataFileName(design_->DataExtension);
 }
 
@@ -36,7 +37,7 @@ void Database::applyLogin(int user, const QString &passwordBox)
     if (user < 0 || user >= kUserCount)
         return;
     LoginUser = user;
-    store_->ViewOnlyMode = users_.UserRights[user] == 1;
+    store_->setViewOnly(users_.UserRights[user] == 1);
     administrator_ = IsAdministratorLogin(users_, passwordBox, codePage_);
     if (!administrator_)
         MainCaption = design_->MainCap + LoginCaption(users_, user, codePage_);
@@ -65,34 +66,28 @@ QString Database::recordPictureFolderFor(const QString &dataFileName) const
     return QDir(info.absolutePath()).filePath(name) + QLatin1Char('/');
 }
 
-Status Database::OpenDatabase(int mode)
+Status Database::OpenDatabase(OpenMode mode)
 {
     if (DataFileName.isEmpty())
         return makeError(ErrorCode::BadFileName, QStringLiteral("no data file name"));
     RecordStore &store = *store_;
-    store.SortMode = 0;
     store.close();
-    store.ReadOnlyMode = false;
     const qsizetype dot = DataFileName.lastIndexOf(QLatin1Char('.'));
     DataFileBase = dot > DataFileName.lastIndexOf(QLatin1Char('/')) ? DataFileName.left(dot) : DataFileName;
 
     if (!QFileInfo::exists(DataFileName))
-        mode = 1; // a missing data file is created, without a message
+        mode = OpenMode::Create; // a missing data file is created, without a message
 
-    store.RecordPictureFolder.clear();
+    QString pictureFolder;
     if (design_->HasRecordPictures) {
-        store.RecordPictureFolder = recordPictureFolderFor(DataFileName);
-        if (!QFileInfo::exists(store.RecordPictureFolder)) {
-            QDir().mkdir(store.RecordPictureFolder);
-            store.NextPictureNumber = 0;
-        }
+        pictureFolder = recordPictureFolderFor(DataFileName);
+        if (!QFileInfo::exists(pictureFolder))
+            QDir().mkdir(pictureFolder);
     }
-    if (mode == 0)
-        store.ReadOnlyMode = fileIsReadOnly(DataFileName);
-    if (store.ViewOnlyMode)
-        store.ReadOnlyMode = true; // a read-only user
+    store.setRecordPictureFolder(pictureFolder);
+    const bool readOnlyFile = mode == OpenMode::Open && fileIsReadOnly(DataFileName);
 
-    Status opened = store.openFileSet(DataFileName, mode == 1, design_->MainCap);
+    Status opened = store.openFileSet(DataFileName, mode, design_->MainCap, readOnlyFile);
     if (!opened) {
         const ErrorCode code = opened.error().code;
         if (code == ErrorCode::PermissionDenied || code == ErrorCode::FileNotFound || code == ErrorCode::PathError) {
@@ -103,30 +98,16 @@ Status Database::OpenDatabase(int mode)
         }
         return opened;
     }
-
-    store.RecordBuffer = QByteArray(store.layout().RecordLength, ' ');
-    if (mode == 0 && store.RecordCount == 0) {
-        store.NewRecord();
-        store.RecordCount = 1;
-        store.PackRecord();
-    } else if (mode == 1) {
-        store.RecordCount = 0;
-        store.NewRecord();
-        if (!store.RecordPictureFolder.isEmpty())
-            QDir().mkdir(store.RecordPictureFolder);
-        store.NextPictureNumber = 0;
-        if (store.writingAllowed() && store.file().OpenRecordPart(0))
-            store.file().writeHeaderBytes(10, QByteArray(4, '\0'));
-    }
-    return store.UnpackRecord();
+    return store.showFirstRecord(mode);
 }
 
 Status Database::shutdown()
 {
-    Status saved = store_->SaveIfDirty();
+    // A record that cannot be saved keeps the store open: the edit stays on the page.
+    if (Status saved = store_->SaveIfDirty(); !saved)
+        return saved;
     store_->close();
-    Status written = UserFile::Write(paths_.userFilePath(), *page_, users_);
-    return saved ? written : saved;
+    return UserFile::Write(paths_.userFilePath(), *page_, users_);
 }
 
 } // namespace ff

@@ -47,11 +47,12 @@ public:
     void applyLogin(int user, const QString &passwordBox);
     bool administrator() const { return administrator_; }
 
-    // Opens (mode 0) or creates (mode 1) DataFileName and shows the first record. A missing file
+    // Opens or creates DataFileName and shows the first record. A missing file
     // is created without a message; file errors show MessageText(1) with the name.
-    Status OpenDatabase(int mode);
+    Status OpenDatabase(OpenMode mode);
 
-    // Saves a dirty record, closes the files and rewrites the per-user file.
+    // Saves a dirty record, closes the files and rewrites the per-user file. When the record
+    // cannot be saved, nothing is closed and the save's error comes back.
     Status shutdown();
 
     QString userFilePath() const { return paths_.userFilePath(); }

@@ -4,6 +4,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <tuple>
 
 namespace ff {
 
@@ -12,8 +13,16 @@ RecordStore::RecordStore(const Design &design, Page &page, FormulaHooks *hooks, 
       layout_(ComputeRecordLayout(design)), decimalSeparator_(FormulaHooks::SystemDecimalSeparator()),
       codec_(design, layout_, *hooks_, decimalSeparator_)
 {
-    RecordBuffer = QByteArray(layout_.RecordLength, ' ');
-    SortIndex.resize(1);
+    recordBuffer_ = QByteArray(layout_.RecordLength, ' ');
+    sortIndex_.resize(1);
+}
+
+void RecordStore::setBrowseOrder(BrowseOrder order, QVector<int> index)
+{
+    browseOrder_ = order;
+    if (order == BrowseOrder::FileOrder || index.isEmpty())
+        index = QVector<int>(1, 0);
+    sortIndex_ = std::move(index);
 }
 
 void RecordStore::setHooks(FormulaHooks *hooks)
@@ -42,61 +51,88 @@ void RecordStore::yieldToEvents()
 
 // ---- opening ----
 
-Status RecordStore::openFileSet(const QString &dataFileName, bool create, const QString &title)
+Status RecordStore::openFileSet(const QString &dataFileName, OpenMode mode, const QString &title, bool readOnlyFile)
 {
     close();
-    SortMode = 0;
-    RecordBuffer = QByteArray(layout_.RecordLength, ' ');
-    file_.setFileSet(dataFileName, layout_.RecordLength, ReadOnlyMode);
-    CurrentRecord = 1;
-    ListPosition = 1;
-    RecordIsNew = 0;
-    RecordDirty = false;
-    RecordLocked = false;
+    setBrowseOrder(BrowseOrder::FileOrder);
+    readOnlyMode_ = readOnlyFile || viewOnlyMode_;
+    recordBuffer_ = QByteArray(layout_.RecordLength, ' ');
+    file_.setFileSet(dataFileName, layout_.RecordLength, readOnlyMode_);
+    currentRecord_ = 1;
+    listPosition_ = 1;
+    recordIsNew_ = false;
+    recordDirty_ = false;
+    recordLocked_ = false;
     Status s = file_.OpenRecordPart(0);
     if (!s)
         return s;
 
     // A new file (under 9 bytes) gets its date of creation and the record length.
-    if (file_.lengthOfOpenPart() < 9 && !ReadOnlyMode) {
+    if (file_.lengthOfOpenPart() < 9 && !readOnlyMode_) {
         QByteArray date(8, '\0');
-        CreationDate = FormulaHooks::Now();
-        RecordCodec::writeDouble(date, 1, CreationDate);
-        file_.writeHeaderBytes(1, date);
+        creationDate_ = FormulaHooks::Now();
+        RecordCodec::writeDouble(date, 1, creationDate_);
         QByteArray length(4, '\0');
         RecordCodec::writeInt32(length, 1, layout_.RecordLength);
-        file_.writeHeaderBytes(16, length);
+        // The first file is open read-write: a header write that fails anyway leaves the header
+        // blank, which readers take as it comes; the record writes report their own errors.
+        std::ignore = file_.writeHeaderBytes(1, date);
+        std::ignore = file_.writeHeaderBytes(16, length);
     } else if (Result<QByteArray> date = file_.readHeaderBytes(1, 8); date && date->size() == 8) {
-        CreationDate = RecordCodec::readDouble(*date, 1);
+        creationDate_ = RecordCodec::readDouble(*date, 1);
     }
-    NextPictureNumber = 0;
+    nextPictureNumber_ = 0;
     if (Result<QByteArray> number = file_.readHeaderBytes(10, 4); number && number->size() == 4)
-        NextPictureNumber = RecordCodec::readInt32(*number, 1);
+        nextPictureNumber_ = RecordCodec::readInt32(*number, 1);
 
     file_.setLastPart(file_.probeLastPart());
     Status counted = refreshCount();
     if (!counted)
         return counted;
 
-    if (create && !ReadOnlyMode) {
+    if (mode == OpenMode::Create && !readOnlyMode_) {
         // The title, padded to the record length, from position 9; then NextPictureNumber 0.
         QByteArray text = codec_.codePage().encode(title);
         text.resize(layout_.RecordLength, ' ');
-        if (file_.OpenPart() != 0)
-            file_.OpenRecordPart(0);
-        file_.writeHeaderBytes(9, text);
-        file_.writeHeaderBytes(10, QByteArray(4, '\0'));
-        NextPictureNumber = 0;
-        RecordCount = 0;
+        Status header = file_.OpenPart() != 0 ? file_.OpenRecordPart(0) : Status();
+        if (header)
+            header = file_.writeHeaderBytes(9, text);
+        if (header)
+            header = file_.writeHeaderBytes(10, QByteArray(4, '\0'));
+        // A title that cannot be written leaves a blank one (`header` fails): the database works
+        // without it.
+        nextPictureNumber_ = 0;
+        recordCount_ = 0;
     }
     return {};
+}
+
+Status RecordStore::showFirstRecord(OpenMode mode)
+{
+    recordBuffer_ = QByteArray(layout_.RecordLength, ' ');
+    // An empty file or a new database starts with one blank record. When it cannot be written
+    // (a read-only file) the blank page is shown all the same; a later save reports the fault.
+    if (mode == OpenMode::Open && recordCount_ == 0) {
+        std::ignore = NewRecord();
+        recordCount_ = 1;
+        std::ignore = PackRecord();
+    } else if (mode == OpenMode::Create) {
+        recordCount_ = 0;
+        std::ignore = NewRecord();
+        if (!recordPictureFolder_.isEmpty())
+            QDir().mkdir(recordPictureFolder_);
+        nextPictureNumber_ = 0;
+        if (writingAllowed() && file_.OpenRecordPart(0))
+            std::ignore = file_.writeHeaderBytes(10, QByteArray(4, '\0')); // as the title above
+    }
+    return UnpackRecord();
 }
 
 void RecordStore::close()
 {
     file_.close();
     merge_.close();
-    RecordLocked = false;
+    recordLocked_ = false;
 }
 
 Status RecordStore::refreshCount()
@@ -104,12 +140,12 @@ Status RecordStore::refreshCount()
     Result<int64_t> count = file_.countRecords();
     if (!count && count.error().code == ErrorCode::Overflow) {
         // The count did not fit: work the last part out from the record on the page and recount.
-        file_.setLastPart(static_cast<int>(CurrentRecord / file_.RecordsPerPart()));
+        file_.setLastPart(static_cast<int>(currentRecord_ / file_.RecordsPerPart()));
         count = file_.countRecords();
     }
     if (!count)
         return count.error();
-    RecordCount = static_cast<int>(std::min<int64_t>(*count, INT32_MAX));
+    recordCount_ = static_cast<int>(std::min<int64_t>(*count, INT32_MAX));
     return {};
 }
 
@@ -126,15 +162,15 @@ void RecordStore::lockAllElements()
 Status RecordStore::UnpackRecord()
 {
     QByteArray stored;
-    Status s = file_.readRecord(CurrentRecord, stored, codec_.blankRecord());
+    Status s = file_.readRecord(currentRecord_, stored, codec_.blankRecord());
     if (!s)
         return s; // the page stays as it stands
-    RecordBuffer = stored;
-    codec_.unpack(stored, page_, CurrentRecord, RecordIsNew != 0);
+    recordBuffer_ = stored;
+    codec_.unpack(stored, page_, currentRecord_, recordIsNew_);
     if (!writingAllowed())
         lockAllElements();
-    hooks_->RunFormulas(page_, CurrentRecord);
-    RecordDirty = false;
+    hooks_->RunFormulas(page_, currentRecord_);
+    recordDirty_ = false;
     yieldToEvents();
     page_.notifyAll();
     return {};
@@ -147,39 +183,40 @@ Status RecordStore::PackRecord()
     Result<QByteArray> packed = codec_.pack(page_);
     if (!packed)
         return packed.error();
-    RecordBuffer = *packed;
-    Status written = file_.writeRecord(CurrentRecord, RecordBuffer);
+    recordBuffer_ = *packed;
+    Status written = file_.writeRecord(currentRecord_, recordBuffer_);
     if (!written)
-        return written; // a failed write is not reported; the record stays dirty
-    UnlockRecord();
+        return written; // the record stays dirty and keeps its lock
+    // The record is written; a lock byte that cannot be released dies with the file handle.
+    std::ignore = UnlockRecord();
     yieldToEvents();
-    RecordDirty = false;
+    recordDirty_ = false;
     return {};
 }
 
 Status RecordStore::UnlockRecord()
 {
     Status s;
-    if (CurrentRecord > 1 && file_.isOpen()) {
-        const RecordPosition p = file_.readPosition(CurrentRecord);
+    if (currentRecord_ > 1 && file_.isOpen()) {
+        const RecordPosition p = file_.readPosition(currentRecord_);
         if (p.part == file_.OpenPart())
             s = file_.unlockRecordByte(p.position);
     }
-    RecordLocked = false;
+    recordLocked_ = false;
     return s;
 }
 
 Status RecordStore::LockRecord()
 {
-    RecordDirty = true;
-    if (RecordLocked)
+    recordDirty_ = true;
+    if (recordLocked_)
         return {};
-    RecordLocked = true;
-    if (CurrentRecord < 2)
+    recordLocked_ = true;
+    if (currentRecord_ < 2)
         return {}; // record 1 is never locked: the header shares its part
     if (!writingAllowed())
         return {}; // nothing will be written, so nothing to guard
-    const RecordPosition p = file_.readPosition(CurrentRecord);
+    const RecordPosition p = file_.readPosition(currentRecord_);
     Status s;
     if (file_.OpenPart() != p.part || !file_.isOpen())
         s = file_.OpenRecordPart(p.part);
@@ -189,10 +226,11 @@ Status RecordStore::LockRecord()
     if (s)
         s = file_.lockRecordByte(p.position);
     if (!s && s.error().code == ErrorCode::PermissionDenied) {
-        // Another user holds the record: show it again as stored, throwing the edit away.
-        RecordDirty = false;
-        RecordLocked = false;
-        UnpackRecord();
+        // Another user holds the record: show it again as stored, throwing the edit away. When
+        // the stored record cannot be read the page stays as it is; the refusal is what counts.
+        recordDirty_ = false;
+        recordLocked_ = false;
+        std::ignore = UnpackRecord();
         return s;
     }
     return s;
@@ -200,85 +238,89 @@ Status RecordStore::LockRecord()
 
 Status RecordStore::SaveIfDirty()
 {
-    if (RecordDirty)
-        return PackRecord();
-    return {};
+    if (!recordDirty_)
+        return {};
+    Status saved = PackRecord();
+    if (!saved)
+        showMessage(QStringLiteral("The record could not be saved: %1").arg(saved.error().text));
+    return saved;
 }
 
 // ---- moving ----
 
-void RecordStore::NavigateRecord(int button)
+Status RecordStore::NavigateRecord(NavigationButton button)
 {
-    SaveIfDirty();
-    file_.OpenRecordPart(file_.LastPart());
-    refreshCount();
-    RecordIsNew = 0;
-    ListPosition = std::clamp(ListPosition, 1, std::max(1, RecordCount));
+    std::ignore = SaveIfDirty(); // a failed save has been shown: the move goes on
+    // Other users' new records come into the count. When the last part cannot be opened or
+    // counted, the count stays as it was and the move works within it.
+    if (file_.OpenRecordPart(file_.LastPart()))
+        std::ignore = refreshCount();
+    recordIsNew_ = false;
+    listPosition_ = std::clamp(listPosition_, 1, std::max(1, recordCount_));
 
     switch (button) {
-    case 0: ListPosition = 1; break;
-    case 1:
-        if (ListPosition - 10 > 0) {
-            ListPosition -= 10;
-            StepBack = 1;
+    case NavigationButton::First: listPosition_ = 1; break;
+    case NavigationButton::TenBack:
+        if (listPosition_ - 10 > 0) {
+            listPosition_ -= 10;
+            stepBack_ = true;
         }
         break;
-    case 2:
-        if (ListPosition - 1 >= 1) {
-            ListPosition -= 1;
-            StepBack = 1;
+    case NavigationButton::OneBack:
+        if (listPosition_ - 1 >= 1) {
+            listPosition_ -= 1;
+            stepBack_ = true;
         }
         break;
-    case 3:
-        if (ListPosition + 1 <= RecordCount) {
-            ListPosition += 1;
-            StepBack = 0;
+    case NavigationButton::OneOn:
+        if (listPosition_ + 1 <= recordCount_) {
+            listPosition_ += 1;
+            stepBack_ = false;
         }
         break;
-    case 4:
-        if (ListPosition + 10 <= RecordCount) {
-            ListPosition += 10;
-            StepBack = 0;
+    case NavigationButton::TenOn:
+        if (listPosition_ + 10 <= recordCount_) {
+            listPosition_ += 10;
+            stepBack_ = false;
         }
         break;
-    case 5: ListPosition = std::max(1, RecordCount); break;
-    default: return;
+    case NavigationButton::Last: listPosition_ = std::max(1, recordCount_); break;
     }
 
-    if (SortMode == 0) {
-        if (CurrentRecord == ListPosition)
-            return;
-        CurrentRecord = ListPosition;
-    } else if (SortMode == 2) {
-        const int at = RecordCount - (ListPosition - 1);
-        if (at >= 1 && at < SortIndex.size())
-            CurrentRecord = SortIndex[at];
+    if (browseOrder_ == BrowseOrder::FileOrder) {
+        if (currentRecord_ == listPosition_)
+            return {};
+        currentRecord_ = listPosition_;
+    } else if (browseOrder_ == BrowseOrder::SortIndexDown) {
+        const int at = recordCount_ - (listPosition_ - 1);
+        if (at >= 1 && at < sortIndex_.size())
+            currentRecord_ = sortIndex_[at];
     } else {
-        if (ListPosition >= 1 && ListPosition < SortIndex.size())
-            CurrentRecord = SortIndex[ListPosition];
+        if (listPosition_ >= 1 && listPosition_ < sortIndex_.size())
+            currentRecord_ = sortIndex_[listPosition_];
     }
-    UnpackRecord();
+    return UnpackRecord();
 }
 
-void RecordStore::StepRecord(int direction)
+Status RecordStore::StepRecord(StepDirection direction)
 {
-    SaveIfDirty();
-    if (direction == 0 && CurrentRecord > 1)
-        --CurrentRecord;
-    else if (direction == 1 && CurrentRecord < RecordCount)
-        ++CurrentRecord;
-    RecordIsNew = 0;
-    UnpackRecord();
+    std::ignore = SaveIfDirty(); // a failed save has been shown: the move goes on
+    if (direction == StepDirection::Back && currentRecord_ > 1)
+        --currentRecord_;
+    else if (direction == StepDirection::On && currentRecord_ < recordCount_)
+        ++currentRecord_;
+    recordIsNew_ = false;
+    return UnpackRecord();
 }
 
 Status RecordStore::JumpToRecord(int record)
 {
-    SaveIfDirty();
-    if (record < 1 || record > RecordCount)
+    std::ignore = SaveIfDirty(); // a failed save has been shown: the move goes on
+    if (record < 1 || record > recordCount_)
         return makeError(ErrorCode::SubscriptOutOfRange, QStringLiteral("no record %1").arg(record));
-    CurrentRecord = record;
-    ListPosition = record;
-    RecordIsNew = 0;
+    currentRecord_ = record;
+    listPosition_ = record;
+    recordIsNew_ = false;
     return UnpackRecord();
 }
 
@@ -319,12 +361,12 @@ void RecordStore::blankPage()
     if (layout_.StampOffset && page_.TitleCaption.size() > 4)
         page_.TitleCaption[4] = design_.Titles[4].Caption + RecordCodec::StampText(page_.RecordStamp, design_.StampFormat);
     if (page_.TitleCaption.size() > 2)
-        page_.TitleCaption[2] = design_.Titles[2].Caption + RecordCodec::RecordNumberText(CurrentRecord);
+        page_.TitleCaption[2] = design_.Titles[2].Caption + RecordCodec::RecordNumberText(currentRecord_);
 }
 
 Status RecordStore::NewRecord()
 {
-    SaveIfDirty();
+    std::ignore = SaveIfDirty(); // a failed save has been shown: the move goes on
     Status s = file_.OpenRecordPart(file_.LastPart());
     if (!s)
         return s;
@@ -337,21 +379,23 @@ Status RecordStore::NewRecord()
     if (n > (file_.LastPart() + 1) * perPart)
         file_.setLastPart(file_.LastPart() + 1); // the write goes to a new part
 
-    RecordCount += 1;
-    if (SortMode != 0)
-        SortIndex.push_back(RecordCount);
-    CurrentRecord = RecordCount;
-    ListPosition = RecordCount;
-    RecordLocked = false;
+    recordCount_ += 1;
+    if (browseOrder_ != BrowseOrder::FileOrder)
+        sortIndex_.push_back(recordCount_);
+    currentRecord_ = recordCount_;
+    listPosition_ = recordCount_;
+    recordLocked_ = false;
     Status locked = LockRecord();
     if (!locked && locked.error().code == ErrorCode::PermissionDenied)
         return locked; // another user is already filling this slot
 
-    RecordBuffer = QByteArray(layout_.RecordLength, ' ');
+    recordBuffer_ = QByteArray(layout_.RecordLength, ' ');
     blankPage();
-    hooks_->RunFormulas(page_, CurrentRecord);
+    hooks_->RunFormulas(page_, currentRecord_);
     Status packed = PackRecord();
-    LockRecord(); // the new record stays in edit
+    // The new record stays in edit. The slot has just been written: a refusal here means another
+    // user has opened it since, and the page then shows it as stored.
+    std::ignore = LockRecord();
     page_.notifyAll();
     return packed;
 }
@@ -361,17 +405,17 @@ Status RecordStore::ClearRecord()
     Status locked = LockRecord();
     if (!locked && locked.error().code == ErrorCode::PermissionDenied)
         return locked; // snapped back: the record is another user's
-    RecordIsNew = 1;
-    if (writingAllowed() && !RecordPictureFolder.isEmpty()) {
+    recordIsNew_ = true;
+    if (writingAllowed() && !recordPictureFolder_.isEmpty()) {
         for (const QString &name : page_.PictureRecordName) {
             // Names come from the record: only plain file names inside the folder are deleted.
             if (name.isEmpty() || name.contains(QLatin1Char('/')) || name == QLatin1String("..") || name == QLatin1String("."))
                 continue;
-            QFile::remove(QDir(RecordPictureFolder).filePath(name));
+            QFile::remove(QDir(recordPictureFolder_).filePath(name));
         }
     }
     blankPage();
-    hooks_->RunFormulas(page_, CurrentRecord);
+    hooks_->RunFormulas(page_, currentRecord_);
     page_.notifyAll();
     return {};
 }

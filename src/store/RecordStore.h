@@ -20,6 +20,22 @@
 
 namespace ff {
 
+// The order in which the navigation walks the records.
+enum class BrowseOrder {
+    FileOrder,     // record numbers as they are
+    SortIndexUp,   // SortIndex from its start
+    SortIndexDown, // SortIndex from its end
+    ResultList,    // a walk over a result list
+};
+
+// The six navigation buttons.
+enum class NavigationButton { First, TenBack, OneBack, OneOn, TenOn, Last };
+
+enum class StepDirection { Back, On };
+
+// Opening an existing data file, or making a new one.
+enum class OpenMode { Open, Create };
+
 class RecordStore {
 public:
     // `hooks` may be null: the plain FormulaHooks base is used. `host` may be null: messages are
@@ -39,28 +55,45 @@ public:
     RecordFile &file() { return file_; }
     FormulaHooks &hooks() { return *hooks_; }
 
-    // State of the record on the page and of the browse order.
-    int CurrentRecord = 1;
-    int RecordCount = 0;
-    int ListPosition = 1;
-    int SortMode = 0;           // 0 file order, 1 SortIndex in order, 2 SortIndex reversed, 3 a result list
-    QVector<int> SortIndex;     // 1-based record numbers: entry 0 is unused
-    uint8_t StepBack = 0;       // 1 when the last move went towards lower numbers
-    uint8_t RecordIsNew = 0;    // set by ClearRecord, cleared by navigation
-    bool RecordDirty = false;
-    bool RecordLocked = false;
-    bool ReadOnlyMode = false;  // the data file is read-only, or the user may only read
-    bool ViewOnlyMode = false;  // the logged-in user may only read
-    int32_t NextPictureNumber = 0;
-    double CreationDate = 0;
-    QString RecordPictureFolder; // with a trailing '/', empty when the design has no record pictures
-    QByteArray RecordBuffer;
+    // The record on the page and the browse order, for reading; they change only through the calls
+    // below.
+    int CurrentRecord() const { return currentRecord_; }
+    int RecordCount() const { return recordCount_; }
+    int ListPosition() const { return listPosition_; }
+    BrowseOrder browseOrder() const { return browseOrder_; }
+    // 1-based record numbers: entry 0 is unused. Read only in a sort order or a result list.
+    const QVector<int> &SortIndex() const { return sortIndex_; }
+    bool StepBack() const { return stepBack_; }     // the last move went towards lower numbers
+    bool RecordIsNew() const { return recordIsNew_; } // set by ClearRecord, cleared by navigation
+    bool RecordDirty() const { return recordDirty_; }
+    bool RecordLocked() const { return recordLocked_; }
+    bool ReadOnlyMode() const { return readOnlyMode_; } // the data file is read-only, or the user may only read
+    bool ViewOnlyMode() const { return viewOnlyMode_; } // the logged-in user may only read
+    int32_t NextPictureNumber() const { return nextPictureNumber_; }
+    double CreationDate() const { return creationDate_; }
+    // With a trailing '/', empty when the design has no record pictures.
+    const QString &RecordPictureFolder() const { return recordPictureFolder_; }
+    const QByteArray &RecordBuffer() const { return recordBuffer_; }
 
-    bool writingAllowed() const { return !ReadOnlyMode && !ViewOnlyMode; }
+    bool writingAllowed() const { return !readOnlyMode_ && !viewOnlyMode_; }
 
-    // Opens the file set: the first file, its header (a new file gets its date and length), the
-    // parts and the count. `create`: a new database, whose header title is written.
-    Status openFileSet(const QString &dataFileName, bool create, const QString &title);
+    // The order the navigation walks. `index` (entry 0 unused) is kept for the sort orders and a
+    // result list; file order drops it.
+    void setBrowseOrder(BrowseOrder order, QVector<int> index = {});
+    // The logged-in user may only read: nothing is written from now on, and the next opening is
+    // read-only.
+    void setViewOnly(bool viewOnly) { viewOnlyMode_ = viewOnly; }
+    void setRecordPictureFolder(const QString &folder) { recordPictureFolder_ = folder; }
+    // The record on the page counts as saved, as after an unpack.
+    void markClean() { recordDirty_ = false; }
+
+    // Opens the file set in file order: the first file, its header (a new file gets its date and
+    // length), the parts and the count. `mode` Create: a new database, whose header title is
+    // written. The store is read-only when `readOnlyFile` or the user may only read.
+    Status openFileSet(const QString &dataFileName, OpenMode mode, const QString &title, bool readOnlyFile = false);
+    // After openFileSet: an empty file gets its first record, a new database its first record and
+    // a cleared picture number; then record 1 is on the page.
+    Status showFirstRecord(OpenMode mode);
     void close();
 
     Status PackRecord();
@@ -68,11 +101,16 @@ public:
     // PermissionDenied when another user holds the record: the page has been unpacked again.
     Status LockRecord();
     Status UnlockRecord();
-    Status SaveIfDirty(); // the saving rule: PackRecord when dirty
+    // The saving rule: PackRecord when dirty. A failed save is shown through the host, and the
+    // record stays on the page, dirty and locked: a caller that would lose it (closing, a search
+    // or replace over the stored records, another file) stops there.
+    Status SaveIfDirty();
 
     Status refreshCount(); // RecordCount from the length of the last part
-    void NavigateRecord(int button); // the six buttons 0..5: first, back 10, back 1, on 1, on 10, last
-    void StepRecord(int direction);  // 0 one back, 1 one forward, on CurrentRecord directly
+    // Every move saves first. A failed save has been shown and the move goes on, as the user
+    // asked: a record whose slot can never be written (see RecordFile) must not hold the page.
+    Status NavigateRecord(NavigationButton button);
+    Status StepRecord(StepDirection direction); // on CurrentRecord directly
     Status JumpToRecord(int record); // the number box: CurrentRecord and ListPosition become it
     Status NewRecord();
     Status ClearRecord();
@@ -103,6 +141,22 @@ private:
     RecordCodec codec_;
     RecordFile file_;
     RecordFile merge_;
+
+    int currentRecord_ = 1;
+    int recordCount_ = 0;
+    int listPosition_ = 1;
+    BrowseOrder browseOrder_ = BrowseOrder::FileOrder;
+    QVector<int> sortIndex_;
+    bool stepBack_ = false;
+    bool recordIsNew_ = false;
+    bool recordDirty_ = false;
+    bool recordLocked_ = false;
+    bool readOnlyMode_ = false;
+    bool viewOnlyMode_ = false;
+    int32_t nextPictureNumber_ = 0;
+    double creationDate_ = 0;
+    QString recordPictureFolder_;
+    QByteArray recordBuffer_;
 };
 
 } // namespace ff

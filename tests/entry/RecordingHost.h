@@ -17,6 +17,7 @@ class RecordingHost : public EntryHost {
 public:
     bool readOnlyFlag = false;
     Status lockResult;                   // what lockRecord returns
+    Status saveResult;                   // what saveIfDirty returns
     std::function<void()> onLockFailure; // runs when lockResult is a failure (the store re-shows the record)
     QSet<QString> existingFiles;
     QStringList failingLines; // runIf / runAssignments fail on these lines
@@ -34,7 +35,11 @@ public:
             onLockFailure();
         return lockResult;
     }
-    void saveIfDirty() override { calls << QStringLiteral("save"); }
+    Status saveIfDirty() override
+    {
+        calls << QStringLiteral("save");
+        return saveResult;
+    }
     void runFormulas() override { calls << QStringLiteral("formulas"); }
     void navigate(int button) override { calls << QStringLiteral("navigate %1").arg(button); }
     void newRecord() override { calls << QStringLiteral("new"); }

@@ -27,7 +27,11 @@ public:
         calls << QStringLiteral("lock");
         return {};
     }
-    void saveIfDirty() override { calls << QStringLiteral("save"); }
+    Status saveIfDirty() override
+    {
+        calls << QStringLiteral("save");
+        return {};
+    }
     void navigate(int button) override { calls << QStringLiteral("navigate %1").arg(button); }
     void newRecord() override { calls << QStringLiteral("new"); }
     void endProgram() override { calls << QStringLiteral("end"); }

@@ -239,6 +239,25 @@ TEST_F(PageActionsTest, ButtonsActByTheirTagWhenTheyHaveNoScript)
     EXPECT_TRUE(host.calls.isEmpty());
 }
 
+TEST_F(PageActionsTest, ARecordThatCannotBeSavedStopsTheButton)
+{
+    // The record stays on the page: no new record, no program that would take it, no script.
+    host.saveResult = makeError(ErrorCode::Overflow, QStringLiteral("whole number out of range"));
+    const struct {
+        const char *tag, *script;
+        QStringList calls;
+    } rows[] = {
+        {">>", "", {QStringLiteral("navigate 4")}}, // the navigation saves, and stops, by itself
+        {"<>", "", {QStringLiteral("save")}},
+        {"other.exe -PASTE", "", {QStringLiteral("save")}},
+        {"", "a=1", {QStringLiteral("save")}},
+    };
+    for (const auto &row : rows) {
+        press(QLatin1String(row.tag), QLatin1String(row.script));
+        EXPECT_EQ(host.calls, row.calls) << row.tag << row.script;
+    }
+}
+
 TEST_F(PageActionsTest, ButtonScriptsRunLineByLine)
 {
     host.vFiller = [](QString line) { return line.replace(QLatin1String("V1"), QLatin1String("42")); };
@@ -264,6 +283,11 @@ TEST_F(PageActionsTest, PicturesShowTheirHintAndOpenTheirLink)
     EXPECT_TRUE(actions->picturePressed(1));
     EXPECT_EQ(host.calls, QStringList{QStringLiteral("lock")});
     EXPECT_FALSE(actions->picturePressed(9));
+    // Another user's lock keeps the editor closed; a lock that failed otherwise does not.
+    host.lockResult = makeError(ErrorCode::PermissionDenied, QStringLiteral("held"));
+    EXPECT_FALSE(actions->picturePressed(1));
+    host.lockResult = makeError(ErrorCode::PathError, QStringLiteral("disk"));
+    EXPECT_TRUE(actions->picturePressed(1));
 }
 
 } // namespace

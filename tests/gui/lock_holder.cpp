@@ -27,11 +27,11 @@ int main(int argc, char **argv)
         return 2;
     ff::Database db(std::move(load.design), ff::ParseCommandLine(args[0], {}));
     db.DataFileName = args[1];
-    if (!db.OpenDatabase(0))
+    if (!db.OpenDatabase(ff::OpenMode::Open))
         return 2;
-    db.store().CurrentRecord = args[2].toInt();
-    db.store().UnpackRecord();
-    const bool locked = db.store().LockRecord().ok() && db.store().RecordLocked;
+    if (!db.store().JumpToRecord(args[2].toInt()))
+        return 2;
+    const bool locked = db.store().LockRecord().ok() && db.store().RecordLocked();
     std::printf("%s\n", locked ? "locked" : "denied");
     std::fflush(stdout);
     std::string line;

@@ -91,7 +91,7 @@ private Q_SLOTS:
         QCOMPARE(s.db->LoginUser, 0);
         QVERIFY(s.db->administrator());
         QVERIFY(!s.db->MainCaption.contains(QStringLiteral("Login"))); // no login line for the administrator
-        QVERIFY(!s.db->store().ViewOnlyMode);
+        QVERIFY(!s.db->store().ViewOnlyMode());
     }
 
     void nameThenPassword()
@@ -116,7 +116,7 @@ private Q_SLOTS:
         QCOMPARE(user, std::optional<int>(2));
         QCOMPARE(s.db->LoginUser, 2);
         QVERIFY(!s.db->administrator());
-        QVERIFY(s.db->store().ViewOnlyMode); // ann may only read
+        QVERIFY(s.db->store().ViewOnlyMode()); // ann may only read
         QCOMPARE(s.db->MainCaption, QStringLiteral("Shop        Login : ann"));
     }
 

@@ -7,6 +7,7 @@
 #include "gui/MainWindow.h"
 #include "gui/PageCanvas.h"
 #include "store/Database.h"
+#include "toolkit/MessageWindow.h"
 
 #include <QAbstractButton>
 #include <QLineEdit>
@@ -49,6 +50,24 @@ void typeInto(gui::MainWindow &w, int i, const QString &keys, int next)
     QTest::keyClicks(edit, keys);
     field(w, next)->setFocus(Qt::TabFocusReason);
 }
+
+// Answers every program message box that comes up: keeps its text and presses OK.
+struct MessageCatcher {
+    QStringList texts;
+    QTimer timer;
+    MessageCatcher()
+    {
+        timer.setInterval(5);
+        QObject::connect(&timer, &QTimer::timeout, [this] {
+            auto *box = qobject_cast<toolkit::MessageWindow *>(QApplication::activeModalWidget());
+            if (box && box->isVisible()) {
+                texts << box->messageText();
+                box->okButton()->click();
+            }
+        });
+        timer.start();
+    }
+};
 
 QString binary(const QString &name)
 {
@@ -98,11 +117,11 @@ private Q_SLOTS:
         auto o = openExample(QStringLiteral("contacts"));
         gui::MainWindow &w = *o->window;
         RecordStore &s = w.database().store();
-        QCOMPARE(s.RecordCount, 1);
+        QCOMPARE(s.RecordCount(), 1);
         typeInto(w, 2, QStringLiteral("first"), 1);
         w.newButton()->click();
         w.newButton()->click();
-        QCOMPARE(s.RecordCount, 3);
+        QCOMPARE(s.RecordCount(), 3);
         QCOMPARE(w.recordBox()->text(), QStringLiteral("3"));
         // A new record starts with its defaults: today in the short-date field, the birthday empty
         // (it asks to start empty), the newsletter box ticked.
@@ -111,19 +130,19 @@ private Q_SLOTS:
         QVERIFY(qobject_cast<QAbstractButton *>(w.canvas()->checkWidget(0))->isChecked());
 
         w.navigationButton(3)->click(); // one on, at the last: stays
-        QCOMPARE(s.CurrentRecord, 3);
+        QCOMPARE(s.CurrentRecord(), 3);
         w.navigationButton(0)->click(); // first
-        QCOMPARE(s.CurrentRecord, 1);
+        QCOMPARE(s.CurrentRecord(), 1);
         QCOMPARE(field(w, 2)->text(), QStringLiteral("First"));
         w.navigationButton(2)->click(); // one back, at the first: stays
-        QCOMPARE(s.CurrentRecord, 1);
+        QCOMPARE(s.CurrentRecord(), 1);
         w.navigationButton(4)->click(); // ten on: not within the count, stays
-        QCOMPARE(s.CurrentRecord, 1);
+        QCOMPARE(s.CurrentRecord(), 1);
         w.navigationButton(5)->click(); // last
-        QCOMPARE(s.CurrentRecord, 3);
+        QCOMPARE(s.CurrentRecord(), 3);
         w.recordBox()->setText(QStringLiteral("2"));
         QTest::keyClick(w.recordBox(), Qt::Key_Return);
-        QCOMPARE(s.CurrentRecord, 2);
+        QCOMPARE(s.CurrentRecord(), 2);
         QVERIFY(w.statusText().contains(QStringLiteral("record 2 of 3")));
     }
 
@@ -161,11 +180,11 @@ private Q_SLOTS:
         QCOMPARE(holder.readLine().trimmed(), QByteArray("locked"));
 
         w.navigationButton(5)->click();
-        QCOMPARE(w.database().store().CurrentRecord, 2);
+        QCOMPARE(w.database().store().CurrentRecord(), 2);
         field(w, 1)->setFocus();
         QTest::keyClicks(field(w, 1), QStringLiteral("XYZ"));
         QCOMPARE(field(w, 1)->text(), QStringLiteral("Two")); // every key snapped back
-        QVERIFY(!w.database().store().RecordDirty);
+        QVERIFY(!w.database().store().RecordDirty());
         // Record 1 has no lock: both may change it.
         w.navigationButton(0)->click();
         typeInto(w, 1, QStringLiteral("!"), 2);
@@ -194,7 +213,7 @@ private Q_SLOTS:
             Database db(fftest::loadImage(o->dir.filePath(QStringLiteral("contacts.exe"))).design,
                         ParseCommandLine(o->dir.filePath(QStringLiteral("contacts.exe")), {}));
             db.DataFileName = data;
-            QVERIFY(db.OpenDatabase(0).ok());
+            QVERIFY(db.OpenDatabase(OpenMode::Open).ok());
             QCOMPARE(db.page().FieldText[1], QStringLiteral("Kept"));
             QCOMPARE(db.page().FieldText[3], QStringLiteral("typed, focus still here"));
         }
@@ -216,9 +235,40 @@ private Q_SLOTS:
             Database db(fftest::loadImage(o->dir.filePath(QStringLiteral("contacts.exe"))).design,
                         ParseCommandLine(o->dir.filePath(QStringLiteral("contacts.exe")), {}));
             db.DataFileName = o->dir.filePath(QStringLiteral("Contacts.dat"));
-            QVERIFY(db.OpenDatabase(0).ok());
+            QVERIFY(db.OpenDatabase(OpenMode::Open).ok());
             QCOMPARE(db.page().FieldText[1], QString());
         }
+    }
+
+    void aRecordThatCannotBeSavedKeepsTheWindowOpen()
+    {
+        auto o = openExample(QStringLiteral("contacts"));
+        gui::MainWindow &w = *o->window;
+        typeInto(w, 1, QStringLiteral("kept"), 2);
+        // Visits beyond a whole number's range: the record cannot be packed, so not saved.
+        typeInto(w, 9, QStringLiteral("9999999999"), 1);
+        MessageCatcher messages;
+        w.close();
+        QCOMPARE(messages.texts.size(), 1);
+        QVERIFY2(messages.texts.first().contains(QStringLiteral("could not be saved")), qPrintable(messages.texts.first()));
+        QVERIFY(w.isVisible());
+        QVERIFY(w.database().store().RecordDirty());
+        QCOMPARE(field(w, 1)->text(), QStringLiteral("Kept"));
+        QVERIFY(!QFile::exists(o->dir.filePath(QStringLiteral("contacts.cfg"))));
+
+        // Corrected, the record is saved and the window closes.
+        field(w, 9)->setFocus();
+        QTest::keyClick(field(w, 9), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(field(w, 9), QStringLiteral("12"));
+        w.close();
+        QVERIFY(!w.isVisible());
+        QCOMPARE(messages.texts.size(), 1);
+        Database db(fftest::loadImage(o->dir.filePath(QStringLiteral("contacts.exe"))).design,
+                    ParseCommandLine(o->dir.filePath(QStringLiteral("contacts.exe")), {}));
+        db.DataFileName = o->dir.filePath(QStringLiteral("Contacts.dat"));
+        QVERIFY(db.OpenDatabase(OpenMode::Open).ok());
+        QCOMPARE(db.page().FieldText[1], QStringLiteral("Kept"));
+        QCOMPARE(db.page().FieldText[9], QStringLiteral("12"));
     }
 };
 

@@ -148,7 +148,8 @@ QList<gui::ResultsWindow *> resultWindows(gui::MainWindow &w) { return w.findChi
 
 QString recordText(gui::MainWindow &w, int record, int fieldIndex)
 {
-    w.database().store().JumpToRecord(record);
+    if (!w.database().store().JumpToRecord(record))
+        return QStringLiteral("(record %1 not shown)").arg(record);
     w.host().recordShown();
     return field(w, fieldIndex)->text();
 }
@@ -254,10 +255,10 @@ private Q_SLOTS:
         }
 
         // A row click shows its record; the window stays open.
-        QCOMPARE(w.database().store().CurrentRecord, 1);
+        QCOMPARE(w.database().store().CurrentRecord(), 1);
         QTableView *view = r->list()->view();
         QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(view->model()->index(0, 1)).center());
-        QCOMPARE(w.database().store().CurrentRecord, 3);
+        QCOMPARE(w.database().store().CurrentRecord(), 3);
         QCOMPARE(field(w, 1)->text(), QStringLiteral("Grace"));
         QCOMPARE(w.recordBox()->text(), QStringLiteral("3"));
         QVERIFY(r->isVisible());
@@ -347,6 +348,40 @@ private Q_SLOTS:
         QVERIFY(gui::FindReplaceWindow::replacedText(QStringLiteral("abc"), QStringLiteral("ABC"), QStringLiteral("x"), true).isNull());
     }
 
+    void aRecordThatCannotBeSavedStopsSearchAndReplace()
+    {
+        auto o = openContacts();
+        gui::MainWindow &w = *o->window;
+        RecordStore &s = w.database().store();
+        // Record 1 gets a new company and a number of visits beyond a whole number's range: the
+        // record can no longer be packed, so it cannot be saved.
+        typeInto(w, 3, QStringLiteral(" Engines"));
+        typeInto(w, 9, QStringLiteral("9999999999"));
+        QVERIFY(s.RecordDirty());
+        MessageCatcher messages;
+
+        // The search would read the stored record without the edit: it does not start.
+        searchFor(w, QStringLiteral("select first where vip=1"));
+        QCOMPARE(messages.texts.size(), 1);
+        QVERIFY2(messages.texts.first().contains(QStringLiteral("could not be saved")), qPrintable(messages.texts.first()));
+        QVERIFY(resultWindows(w).isEmpty());
+
+        // The replace would read the page back from the file at its end: it does not start.
+        field(w, 3)->setFocus(Qt::MouseFocusReason);
+        w.findenAction(3)->trigger();
+        gui::FindReplaceWindow *f = w.replaceWindow();
+        f->findBox()->setEditText(QStringLiteral("Navy"));
+        f->replaceBox()->setEditText(QStringLiteral("Army"));
+        QVERIFY(!f->replaceAll().ran);
+        QCOMPARE(messages.texts.size(), 2);
+        QCOMPARE(field(w, 3)->text(), QStringLiteral(" Engines")); // as typed over the company
+        QVERIFY(s.RecordDirty());
+        QCOMPARE(s.CurrentRecord(), 1);
+        auto stored = s.readPlainRecord(3);
+        QVERIFY(stored.ok());
+        QVERIFY(stored->contains("Navy")); // nothing replaced
+    }
+
     void sortCommandsSetTheBrowseOrder()
     {
         auto o = openContacts();
@@ -356,27 +391,27 @@ private Q_SLOTS:
         QCOMPARE(w.findenAction(2)->text(), QStringLiteral("Sort down"));
         field(w, 8)->setFocus(Qt::MouseFocusReason); // credit: 100, 250, 50
         w.findenAction(1)->trigger();
-        QCOMPARE(s.SortMode, 1);
+        QCOMPARE(s.browseOrder(), BrowseOrder::SortIndexUp);
         QVector<int> seen;
         w.navigationButton(0)->click();
-        seen << s.CurrentRecord;
+        seen << s.CurrentRecord();
         for (int k = 0; k < 2; ++k) {
             w.navigationButton(3)->click();
-            seen << s.CurrentRecord;
+            seen << s.CurrentRecord();
         }
         QCOMPARE(seen, (QVector<int>{3, 1, 2}));
         QCOMPARE(field(w, 8)->text(), QStringLiteral("250.00"));
 
         field(w, 2)->setFocus(Qt::MouseFocusReason); // last names, from the end
         w.findenAction(2)->trigger();
-        QCOMPARE(s.SortMode, 2);
+        QCOMPARE(s.browseOrder(), BrowseOrder::SortIndexDown);
         seen.clear();
         w.navigationButton(0)->click();
-        seen << s.CurrentRecord;
+        seen << s.CurrentRecord();
         w.navigationButton(3)->click();
-        seen << s.CurrentRecord;
+        seen << s.CurrentRecord();
         w.navigationButton(3)->click();
-        seen << s.CurrentRecord;
+        seen << s.CurrentRecord();
         QCOMPARE(seen, (QVector<int>{2, 1, 3})); // Turing, Lovelace, Hopper
     }
 
@@ -415,10 +450,9 @@ private Q_SLOTS:
         for (int n = 4; n <= total; ++n)
             QVERIFY(s.file().writeRecord(n, stored).ok());
         QVERIFY(s.refreshCount().ok());
-        QCOMPARE(s.RecordCount, total);
+        QCOMPARE(s.RecordCount(), total);
 
-        const int step = gui::ResultsWindow::ProgressStep;
-        gui::ResultsWindow::ProgressStep = 50;
+        w.searchSession().setProgressStep(50);
         QTimer presser;
         presser.setInterval(0);
         bool pressed = false;
@@ -434,7 +468,6 @@ private Q_SLOTS:
         presser.start();
         gui::ResultsWindow *r = searchFor(w, QStringLiteral("select first where vip=1"), true)->lastResults();
         presser.stop();
-        gui::ResultsWindow::ProgressStep = step;
         QVERIFY(pressed);
         QVERIFY(r);
         QVERIFY(r->result().aborted);

@@ -95,7 +95,7 @@ struct SearchDb {
 
     explicit SearchDb(bool scramble = false) : design(searchDesign(scramble)), page(design), store(design, page)
     {
-        EXPECT_TRUE(store.openFileSet(dir.filePath(QStringLiteral("search.dat")), true, QStringLiteral("Search")).ok());
+        EXPECT_TRUE(store.openFileSet(dir.filePath(QStringLiteral("search.dat")), OpenMode::Create, QStringLiteral("Search")).ok());
     }
 
     void add(const Row &r)
@@ -111,7 +111,6 @@ struct SearchDb {
         page.ComboText[2] = r.size;
         page.CheckValue[0] = r.paid;
         page.NoteText[1] = r.memo;
-        store.RecordDirty = true;
         ASSERT_TRUE(store.PackRecord().ok());
     }
 

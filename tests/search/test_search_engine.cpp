@@ -26,7 +26,7 @@ protected:
         db.add({"Bob", "99.99", 1, QDate(2023, 6, 1), 2.5, "14:00:00", "Paris", "8.5", 0, "likes cheese"});
         db.add({"anne", "100.00", 7, QDate(2024, 3, 9), -4, "23:59:59", "berlin", "", 1, "CHEESE and wine"});
         db.add({"Carl", "0.10", 0, QDate(), 0.00005, "", "Rome", "12", 0, ""});
-        ASSERT_EQ(db.store.RecordCount, 4);
+        ASSERT_EQ(db.store.RecordCount(), 4);
     }
     SearchDb db;
 };
@@ -177,10 +177,10 @@ TEST_F(SearchEngineTest, WalkFollowsASortIndex)
     const QVector<int> index{0, 4, 2, 1, 3};
     SearchOptions o;
     o.sortIndex = &index;
-    o.sortMode = 1;
+    o.order = BrowseOrder::SortIndexUp;
     o.forward = true;
     EXPECT_EQ(db.run(QStringLiteral("select name where qty>=0"), o).hits, (QVector<int>{4, 2, 1, 3}));
-    o.sortMode = 2;
+    o.order = BrowseOrder::SortIndexDown;
     EXPECT_EQ(db.run(QStringLiteral("select name where qty>=0"), o).hits, (QVector<int>{3, 1, 2, 4}));
 }
 
@@ -250,7 +250,7 @@ TEST(SearchReadOnly, ReplaceWritesNothingWhenTheStoreMayNotWrite)
 {
     SearchDb db;
     db.add({"Zed", "1.00", 1, QDate(2024, 1, 1), 0, "", "Kyiv", "", 0, ""});
-    db.store.ViewOnlyMode = true;
+    db.store.setViewOnly(true);
     SearchResult r = db.run(QStringLiteral("replace city=Odesa where qty=1"));
     EXPECT_EQ(r.Replacements, 0);
     EXPECT_EQ(db.run(QStringLiteral("count city=kyiv")).CountTotal, 1);
@@ -268,7 +268,7 @@ protected:
             db.add({QStringLiteral("N%1").arg(k), QString::number(k % 50) + QStringLiteral(".25"), k % 7,
                     QDate(2020, 1, 1).addDays(k), k * 0.5, "", cities[k % 4], "", k % 2,
                     k % 9 == 0 ? "has cheese" : "plain"});
-        ASSERT_EQ(db.store.RecordCount, kRecords);
+        ASSERT_EQ(db.store.RecordCount(), kRecords);
     }
     SearchResult run(const char *line, SearchOptions o, bool split)
     {
@@ -294,7 +294,7 @@ TEST_F(TwoThreadWalkTest, SameHitsRowsAndCountsAsOneThread)
             if (variant == 4) {
                 o.within = &within;
                 o.sortIndex = &index; // the earlier hits win over a sort order
-                o.sortMode = 1;
+                o.order = BrowseOrder::SortIndexUp;
             }
             const SearchResult one = run(line, o, false), two = run(line, o, true);
             SCOPED_TRACE(std::string(line) + ", variant " + std::to_string(variant));
@@ -309,7 +309,7 @@ TEST_F(TwoThreadWalkTest, SameHitsRowsAndCountsAsOneThread)
     }
     SearchOptions sorted;
     sorted.sortIndex = &index;
-    sorted.sortMode = 2;
+    sorted.order = BrowseOrder::SortIndexDown;
     EXPECT_EQ(run("select name where qty>=0", sorted, true).hits, run("select name where qty>=0", sorted, false).hits);
     EXPECT_EQ(run("select name where qty>=0", {}, true).hits.size(), kRecords);
 }

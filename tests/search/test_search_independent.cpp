@@ -80,8 +80,8 @@ protected:
                                             QStringLiteral("write"), layoutPath, dataFile});
         ASSERT_TRUE(p.waitForFinished(60000));
         ASSERT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
-        ASSERT_TRUE(store.openFileSet(dataFile, false, QString()).ok());
-        ASSERT_EQ(store.RecordCount, kRecords);
+        ASSERT_TRUE(store.openFileSet(dataFile, OpenMode::Open, QString()).ok());
+        ASSERT_EQ(store.RecordCount(), kRecords);
         ASSERT_GT(store.file().LastPart(), 10);
     }
 
@@ -137,7 +137,7 @@ TEST_F(IndependentStore, SearchesFindWhatTheRulesSay)
 
 TEST_F(IndependentStore, SortIndexOrdersEveryKind)
 {
-    const SortIndexBuilder builder(design, store.file(), store.RecordCount);
+    const SortIndexBuilder builder(design, store.file(), store.RecordCount());
     const SearchNames names(design, store.layout());
     auto index = [&](const char *tag) {
         Result<SortIndexBuilder::Outcome> r = builder.build(names.byTag(QString::fromLatin1(tag)));
@@ -164,10 +164,10 @@ TEST_F(IndependentStore, SortIndexOrdersEveryKind)
     EXPECT_TRUE(ordered(index("name"), [&](const Value &v) { return CaseFold(cp).fold(cp.encode(v.name)); }));
     EXPECT_TRUE(ordered(index("city"), [](const Value &v) { return v.city.toLower(); }));
 
-    ASSERT_TRUE(SortIndexBuilder::BuildSortIndex(store, names.byTag(QStringLiteral("qty")), 2).ok());
-    EXPECT_EQ(store.SortMode, 2);
-    EXPECT_EQ(store.SortIndex.size(), kRecords + 1);
-    EXPECT_FALSE(SortIndexBuilder::BuildSortIndex(store, names.byTag(QStringLiteral("global")), 1).ok());
+    ASSERT_TRUE(SortIndexBuilder::BuildSortIndex(store, names.byTag(QStringLiteral("qty")), BrowseOrder::SortIndexDown).ok());
+    EXPECT_EQ(store.browseOrder(), BrowseOrder::SortIndexDown);
+    EXPECT_EQ(store.SortIndex().size(), kRecords + 1);
+    EXPECT_FALSE(SortIndexBuilder::BuildSortIndex(store, names.byTag(QStringLiteral("global")), BrowseOrder::SortIndexUp).ok());
 }
 
 struct StopNow : Progress {
@@ -177,11 +177,11 @@ struct StopNow : Progress {
 
 TEST_F(IndependentStore, StoppedSortLeavesFileOrder)
 {
-    store.SortMode = 1;
+    store.setBrowseOrder(BrowseOrder::SortIndexUp, QVector<int>{0, 2, 1});
     StopNow stop;
     const SearchNames names(design, store.layout());
-    ASSERT_TRUE(SortIndexBuilder::BuildSortIndex(store, names.byTag(QStringLiteral("name")), 1, &stop).ok());
-    EXPECT_EQ(store.SortMode, 0);
+    ASSERT_TRUE(SortIndexBuilder::BuildSortIndex(store, names.byTag(QStringLiteral("name")), BrowseOrder::SortIndexUp, &stop).ok());
+    EXPECT_EQ(store.browseOrder(), BrowseOrder::FileOrder);
 }
 
 TEST(SortAlgorithms, ShellAndTextSortKeepKeysWithTheirEntries)

@@ -44,13 +44,13 @@ TEST(Database, MissingFileIsCreatedThenReopened)
         // Named after the image, in proper case, beside it.
         EXPECT_EQ(s.db.DataFileName, dir.filePath(QStringLiteral("Shop.dat")));
         s.db.DataFileName = dir.filePath(QStringLiteral("shop.dat"));
-        ASSERT_TRUE(s.db.OpenDatabase(0));
+        ASSERT_TRUE(s.db.OpenDatabase(OpenMode::Open));
         EXPECT_TRUE(s.host.messages.isEmpty());
-        EXPECT_EQ(s.db.store().RecordCount, 1);
-        EXPECT_EQ(s.db.store().RecordPictureFolder, dir.filePath(QStringLiteral("ShopPics/")));
-        EXPECT_TRUE(QFileInfo(s.db.store().RecordPictureFolder).isDir());
+        EXPECT_EQ(s.db.store().RecordCount(), 1);
+        EXPECT_EQ(s.db.store().RecordPictureFolder(), dir.filePath(QStringLiteral("ShopPics/")));
+        EXPECT_TRUE(QFileInfo(s.db.store().RecordPictureFolder()).isDir());
         s.db.page().FieldText[1] = QStringLiteral("first");
-        s.db.store().LockRecord();
+        EXPECT_TRUE(s.db.store().LockRecord());
         s.db.page().FieldText[10] = QStringLiteral("glob");
         ASSERT_TRUE(s.db.shutdown()); // saves the dirty record and writes the per-user file
     }
@@ -58,10 +58,10 @@ TEST(Database, MissingFileIsCreatedThenReopened)
     Session again(dir, fullDesign());
     again.db.DataFileName = dir.filePath(QStringLiteral("shop.dat"));
     EXPECT_EQ(again.db.page().FieldText[10], QStringLiteral("glob"));
-    ASSERT_TRUE(again.db.OpenDatabase(0));
-    EXPECT_EQ(again.db.store().RecordCount, 1);
+    ASSERT_TRUE(again.db.OpenDatabase(OpenMode::Open));
+    EXPECT_EQ(again.db.store().RecordCount(), 1);
     EXPECT_EQ(again.db.page().FieldText[1], QStringLiteral("first"));
-    EXPECT_FALSE(again.db.store().ReadOnlyMode);
+    EXPECT_FALSE(again.db.store().ReadOnlyMode());
 }
 
 TEST(Database, ReadOnlyFileAndReadOnlyUser)
@@ -71,9 +71,9 @@ TEST(Database, ReadOnlyFileAndReadOnlyUser)
     {
         Session s(dir, smallDesign());
         s.db.DataFileName = data;
-        ASSERT_TRUE(s.db.OpenDatabase(1));
+        ASSERT_TRUE(s.db.OpenDatabase(OpenMode::Create));
         s.db.page().FieldText[1] = QStringLiteral("kept");
-        s.db.store().LockRecord();
+        EXPECT_TRUE(s.db.store().LockRecord());
         ASSERT_TRUE(s.db.shutdown());
     }
     const QByteArray before = readAll(data);
@@ -81,14 +81,14 @@ TEST(Database, ReadOnlyFileAndReadOnlyUser)
     {
         Session s(dir, smallDesign());
         s.db.DataFileName = data;
-        ASSERT_TRUE(s.db.OpenDatabase(0));
-        EXPECT_TRUE(s.db.store().ReadOnlyMode);
+        ASSERT_TRUE(s.db.OpenDatabase(OpenMode::Open));
+        EXPECT_TRUE(s.db.store().ReadOnlyMode());
         EXPECT_TRUE(s.db.page().FieldLocked[1]);
         EXPECT_EQ(s.db.page().FieldText[1], QStringLiteral("kept"));
-        s.db.store().LockRecord();
+        EXPECT_TRUE(s.db.store().LockRecord());
         s.db.page().FieldText[1] = QStringLiteral("lost");
-        s.db.store().NewRecord();
-        s.db.shutdown();
+        EXPECT_TRUE(s.db.store().NewRecord());
+        EXPECT_TRUE(s.db.shutdown());
     }
     EXPECT_EQ(readAll(data), before);
     QFile::setPermissions(data, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
@@ -100,11 +100,11 @@ TEST(Database, ReadOnlyFileAndReadOnlyUser)
     s.db.applyLogin(3, QString());
     EXPECT_EQ(s.db.MainCaption, QStringLiteral("Small        Login : ann"));
     s.db.DataFileName = data;
-    ASSERT_TRUE(s.db.OpenDatabase(0));
-    EXPECT_TRUE(s.db.store().ViewOnlyMode);
-    s.db.store().LockRecord();
+    ASSERT_TRUE(s.db.OpenDatabase(OpenMode::Open));
+    EXPECT_TRUE(s.db.store().ViewOnlyMode());
+    EXPECT_TRUE(s.db.store().LockRecord());
     s.db.page().FieldText[1] = QStringLiteral("lost");
-    s.db.shutdown();
+    EXPECT_TRUE(s.db.shutdown());
     EXPECT_EQ(readAll(data), before);
 }
 
@@ -113,7 +113,7 @@ TEST(Database, FileErrorsShowTheMessage)
     QTemporaryDir dir;
     Session s(dir, fullDesign());
     s.db.DataFileName = dir.filePath(QStringLiteral("no/such/folder/x.dat"));
-    EXPECT_FALSE(s.db.OpenDatabase(0));
+    EXPECT_FALSE(s.db.OpenDatabase(OpenMode::Open));
     ASSERT_EQ(s.host.messages.size(), 1);
     EXPECT_EQ(s.host.messages[0], QStringLiteral("File %1 not found").arg(s.db.DataFileName));
 }

@@ -94,8 +94,8 @@ TEST(IndependentWriter, ItsFilesReadValueForValue)
     ASSERT_TRUE(QFile::exists(partFileName(data, 2)));
 
     StoreUser u{Design(design)};
-    ASSERT_TRUE(u.store.openFileSet(data, false, QString()));
-    EXPECT_EQ(u.store.RecordCount, 9);
+    ASSERT_TRUE(u.store.openFileSet(data, OpenMode::Open, QString()));
+    EXPECT_EQ(u.store.RecordCount(), 9);
     for (int r = 1; r <= 9; ++r) {
         ASSERT_TRUE(u.store.JumpToRecord(r));
         const Page &p = u.page;
@@ -133,7 +133,7 @@ TEST(IndependentWriter, ReadsWhatThisStoreWrote)
     const Design design = fullDesign(true, true);
     {
         StoreUser u{Design(design)};
-        ASSERT_TRUE(u.store.openFileSet(data, true, design.MainCap));
+        ASSERT_TRUE(u.store.openFileSet(data, OpenMode::Create, design.MainCap));
         for (int r = 1; r <= 5; ++r) {
             ASSERT_TRUE(u.store.NewRecord());
             Page &p = u.page;

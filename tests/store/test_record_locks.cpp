@@ -21,7 +21,7 @@ QString probePath()
 QString storedText(const QString &data, int record)
 {
     StoreUser reader(smallDesign());
-    if (!reader.store.openFileSet(data, false, QString()) || !reader.store.JumpToRecord(record))
+    if (!reader.store.openFileSet(data, OpenMode::Open, QString()) || !reader.store.JumpToRecord(record))
         return QStringLiteral("<unreadable>");
     return reader.text();
 }
@@ -34,8 +34,8 @@ TEST(RecordLock, SecondUserSnapsBackWhileTheFirstEdits)
     const QString data = dir.filePath(QStringLiteral("Two.dat"));
     writeSmallSet(data, 6, 1000);
     StoreUser a(smallDesign()), b(smallDesign());
-    ASSERT_TRUE(a.store.openFileSet(data, false, QString()));
-    ASSERT_TRUE(b.store.openFileSet(data, false, QString()));
+    ASSERT_TRUE(a.store.openFileSet(data, OpenMode::Open, QString()));
+    ASSERT_TRUE(b.store.openFileSet(data, OpenMode::Open, QString()));
     ASSERT_TRUE(a.store.JumpToRecord(3));
     ASSERT_TRUE(b.store.JumpToRecord(3));
 
@@ -45,8 +45,8 @@ TEST(RecordLock, SecondUserSnapsBackWhileTheFirstEdits)
     const Status denied = b.store.LockRecord();
     EXPECT_EQ(denied.error().code, ErrorCode::PermissionDenied);
     EXPECT_EQ(b.text(), QStringLiteral("r3")); // ... and the text snaps back to the stored one
-    EXPECT_FALSE(b.store.RecordDirty);
-    EXPECT_FALSE(b.store.RecordLocked);
+    EXPECT_FALSE(b.store.RecordDirty());
+    EXPECT_FALSE(b.store.RecordLocked());
     EXPECT_TRUE(b.host.messages.isEmpty());
 
     // B can still read the record and lock another one.
@@ -73,8 +73,8 @@ TEST(RecordLock, RecordOneIsNeverLockedAndClosingReleases)
     writeSmallSet(data, 6, 4);
     SmallParts parts(4);
     StoreUser a(smallDesign()), b(smallDesign());
-    ASSERT_TRUE(a.store.openFileSet(data, false, QString()));
-    ASSERT_TRUE(b.store.openFileSet(data, false, QString()));
+    ASSERT_TRUE(a.store.openFileSet(data, OpenMode::Open, QString()));
+    ASSERT_TRUE(b.store.openFileSet(data, OpenMode::Open, QString()));
     ASSERT_TRUE(a.store.JumpToRecord(1));
     ASSERT_TRUE(b.store.JumpToRecord(1));
     EXPECT_TRUE(a.store.LockRecord());
@@ -85,7 +85,7 @@ TEST(RecordLock, RecordOneIsNeverLockedAndClosingReleases)
     ASSERT_TRUE(b.store.JumpToRecord(2));
     EXPECT_FALSE(b.store.LockRecord());
     // A reads a record of another part: the part's handle closes and the lock dies with it.
-    a.store.readPlainRecord(6);
+    ASSERT_TRUE(a.store.readPlainRecord(6));
     EXPECT_NE(a.store.file().OpenPart(), 0);
     EXPECT_TRUE(b.store.LockRecord());
 }
@@ -97,7 +97,7 @@ TEST(RecordLock, SecondProcessIsRefusedAndNothingIsLost)
     writeSmallSet(data, 40, 16);
     SmallParts parts(16);
     StoreUser a(smallDesign());
-    ASSERT_TRUE(a.store.openFileSet(data, false, QString()));
+    ASSERT_TRUE(a.store.openFileSet(data, OpenMode::Open, QString()));
     ASSERT_TRUE(a.store.JumpToRecord(20));
     ASSERT_TRUE(a.store.LockRecord());
     a.page.FieldText[1] = QStringLiteral("mine");

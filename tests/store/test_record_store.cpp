@@ -39,53 +39,53 @@ TEST(RecordParts, CountsAndNavigatesAcrossParts)
     const QString data = dir.filePath(QStringLiteral("Set.dat"));
     writeSmallSet(data, 12, 4);
     StoreUser u(smallDesign());
-    ASSERT_TRUE(u.store.openFileSet(data, false, QString()));
+    ASSERT_TRUE(u.store.openFileSet(data, OpenMode::Open, QString()));
     EXPECT_EQ(u.store.file().LastPart(), 2);
-    EXPECT_EQ(u.store.RecordCount, 12);
+    EXPECT_EQ(u.store.RecordCount(), 12);
     ASSERT_TRUE(u.store.UnpackRecord());
     EXPECT_EQ(u.text(), QStringLiteral("r1"));
 
-    auto go = [&](int button) {
-        u.store.NavigateRecord(button);
-        return u.store.CurrentRecord;
+    auto go = [&](NavigationButton button) {
+        EXPECT_TRUE(u.store.NavigateRecord(button));
+        return u.store.CurrentRecord();
     };
-    EXPECT_EQ(go(3), 2);
-    EXPECT_EQ(go(4), 12);
+    EXPECT_EQ(go(NavigationButton::OneOn), 2);
+    EXPECT_EQ(go(NavigationButton::TenOn), 12);
     EXPECT_EQ(u.text(), QStringLiteral("r12"));
     EXPECT_EQ(u.text(2), QStringLiteral("p2"));
     EXPECT_EQ(u.text(3), QStringLiteral("12"));
-    EXPECT_EQ(go(4), 12); // forward 10 only within the count
-    EXPECT_EQ(go(3), 12);
-    EXPECT_EQ(go(2), 11);
-    EXPECT_EQ(go(1), 1);  // back 10 from 11 reaches 1
-    EXPECT_EQ(u.store.StepBack, 1);
-    EXPECT_EQ(go(1), 1);
-    EXPECT_EQ(go(5), 12);
-    EXPECT_EQ(go(2), 11);
-    EXPECT_EQ(go(2), 10);
-    EXPECT_EQ(go(1), 10); // back 10 from 10 would reach 0: nothing happens
-    EXPECT_EQ(go(0), 1);
+    EXPECT_EQ(go(NavigationButton::TenOn), 12); // forward 10 only within the count
+    EXPECT_EQ(go(NavigationButton::OneOn), 12);
+    EXPECT_EQ(go(NavigationButton::OneBack), 11);
+    EXPECT_EQ(go(NavigationButton::TenBack), 1);  // back 10 from 11 reaches 1
+    EXPECT_TRUE(u.store.StepBack());
+    EXPECT_EQ(go(NavigationButton::TenBack), 1);
+    EXPECT_EQ(go(NavigationButton::Last), 12);
+    EXPECT_EQ(go(NavigationButton::OneBack), 11);
+    EXPECT_EQ(go(NavigationButton::OneBack), 10);
+    EXPECT_EQ(go(NavigationButton::TenBack), 10); // back 10 from 10 would reach 0: nothing happens
+    EXPECT_EQ(go(NavigationButton::First), 1);
     EXPECT_EQ(u.text(), QStringLiteral("r1"));
     for (int r : {4, 8, 5, 9}) {
         ASSERT_TRUE(u.store.JumpToRecord(r));
         EXPECT_EQ(u.text(), QStringLiteral("r%1").arg(r)) << r;
     }
-    u.store.StepRecord(1);
-    EXPECT_EQ(u.store.CurrentRecord, 10);
+    ASSERT_TRUE(u.store.StepRecord(StepDirection::On));
+    EXPECT_EQ(u.store.CurrentRecord(), 10);
     EXPECT_EQ(u.text(), QStringLiteral("r10"));
-    u.store.StepRecord(0);
-    u.store.StepRecord(0);
+    ASSERT_TRUE(u.store.StepRecord(StepDirection::Back));
+    ASSERT_TRUE(u.store.StepRecord(StepDirection::Back));
     EXPECT_EQ(u.text(), QStringLiteral("r8"));
     EXPECT_FALSE(u.store.JumpToRecord(13));
 
     // Sorted browsing: the index in order and reversed.
-    u.store.SortMode = 2;
-    u.store.SortIndex = {0, 7, 3, 12, 1, 5, 2, 4, 6, 8, 9, 10, 11};
-    EXPECT_EQ(go(0), 11); // position 1 shows the last entry
-    EXPECT_EQ(go(3), 10);
-    u.store.SortMode = 1;
-    EXPECT_EQ(go(0), 7);
-    EXPECT_EQ(go(3), 3);
+    const QVector<int> index{0, 7, 3, 12, 1, 5, 2, 4, 6, 8, 9, 10, 11};
+    u.store.setBrowseOrder(BrowseOrder::SortIndexDown, index);
+    EXPECT_EQ(go(NavigationButton::First), 11); // position 1 shows the last entry
+    EXPECT_EQ(go(NavigationButton::OneOn), 10);
+    u.store.setBrowseOrder(BrowseOrder::SortIndexUp, index);
+    EXPECT_EQ(go(NavigationButton::First), 7);
+    EXPECT_EQ(go(NavigationButton::OneOn), 3);
     EXPECT_EQ(u.text(), QStringLiteral("r3"));
 }
 
@@ -96,19 +96,19 @@ TEST(RecordParts, OtherUsersRecordsAppearOnNavigating)
     const QString data = dir.filePath(QStringLiteral("Grow.dat"));
     writeSmallSet(data, 5, 4);
     StoreUser u(smallDesign());
-    ASSERT_TRUE(u.store.openFileSet(data, false, QString()));
-    EXPECT_EQ(u.store.RecordCount, 5);
+    ASSERT_TRUE(u.store.openFileSet(data, OpenMode::Open, QString()));
+    EXPECT_EQ(u.store.RecordCount(), 5);
     writeSmallSet(data, 8, 4);
-    u.store.NavigateRecord(5);
-    EXPECT_EQ(u.store.RecordCount, 8);
+    EXPECT_TRUE(u.store.NavigateRecord(NavigationButton::Last));
+    EXPECT_EQ(u.store.RecordCount(), 8);
     EXPECT_EQ(u.text(), QStringLiteral("r8"));
     // A part made after opening is found only when the set is opened again.
     writeSmallSet(data, 9, 4);
-    u.store.NavigateRecord(0);
-    EXPECT_EQ(u.store.RecordCount, 8);
+    EXPECT_TRUE(u.store.NavigateRecord(NavigationButton::First));
+    EXPECT_EQ(u.store.RecordCount(), 8);
     StoreUser later(smallDesign());
-    ASSERT_TRUE(later.store.openFileSet(data, false, QString()));
-    EXPECT_EQ(later.store.RecordCount, 9);
+    ASSERT_TRUE(later.store.openFileSet(data, OpenMode::Open, QString()));
+    EXPECT_EQ(later.store.RecordCount(), 9);
 }
 
 TEST(RecordParts, AppendingAcrossThePartBoundary)
@@ -118,12 +118,12 @@ TEST(RecordParts, AppendingAcrossThePartBoundary)
     const QString data = dir.filePath(QStringLiteral("New.dat"));
     {
         StoreUser u(smallDesign());
-        ASSERT_TRUE(u.store.openFileSet(data, true, QStringLiteral("Title")));
-        EXPECT_EQ(u.store.RecordCount, 0);
+        ASSERT_TRUE(u.store.openFileSet(data, OpenMode::Create, QStringLiteral("Title")));
+        EXPECT_EQ(u.store.RecordCount(), 0);
         for (int r = 1; r <= 3; ++r) {
             ASSERT_TRUE(u.store.NewRecord());
-            EXPECT_EQ(u.store.CurrentRecord, r);
-            EXPECT_TRUE(u.store.RecordDirty && u.store.RecordLocked); // a new record stays in edit
+            EXPECT_EQ(u.store.CurrentRecord(), r);
+            EXPECT_TRUE(u.store.RecordDirty() && u.store.RecordLocked()); // a new record stays in edit
             u.page.FieldText[1] = QStringLiteral("n%1").arg(r);
             ASSERT_TRUE(u.store.SaveIfDirty());
         }
@@ -131,28 +131,31 @@ TEST(RecordParts, AppendingAcrossThePartBoundary)
         // Record 4, the exact multiple, would be written at position 0 of part 1: the write fails,
         // nothing is written, and the part file now exists.
         EXPECT_FALSE(u.store.NewRecord());
-        EXPECT_TRUE(u.store.RecordDirty);
+        EXPECT_TRUE(u.store.RecordDirty());
         EXPECT_TRUE(QFileInfo::exists(partFileName(data, 1)));
         EXPECT_EQ(QFileInfo(partFileName(data, 1)).size(), 0);
-        // The next new record goes to part 1.
+        // The next new record goes to part 1; the record left behind says it was not saved.
+        ASSERT_TRUE(u.host.messages.isEmpty());
         ASSERT_TRUE(u.store.NewRecord());
-        EXPECT_EQ(u.store.CurrentRecord, 5);
+        ASSERT_EQ(u.host.messages.size(), 1);
+        EXPECT_TRUE(u.host.messages.first().startsWith(QStringLiteral("The record could not be saved"))) << u.host.messages.first().toStdString();
+        EXPECT_EQ(u.store.CurrentRecord(), 5);
         u.page.FieldText[1] = QStringLiteral("n5");
-        u.store.SaveIfDirty();
+        ASSERT_TRUE(u.store.SaveIfDirty());
         EXPECT_EQ(QFileInfo(partFileName(data, 1)).size(), 2 * 17 - 1);
     }
     StoreUser again(smallDesign());
-    ASSERT_TRUE(again.store.openFileSet(data, false, QString()));
+    ASSERT_TRUE(again.store.openFileSet(data, OpenMode::Open, QString()));
     EXPECT_EQ(again.store.file().LastPart(), 1);
-    EXPECT_EQ(again.store.RecordCount, 5);
+    EXPECT_EQ(again.store.RecordCount(), 5);
     ASSERT_TRUE(again.store.JumpToRecord(4));
     EXPECT_EQ(again.text(), QString()); // beyond the end of part 0: a blank record
     ASSERT_TRUE(again.store.JumpToRecord(5));
     EXPECT_EQ(again.text(), QStringLiteral("n5"));
     ASSERT_TRUE(again.store.NewRecord());
-    EXPECT_EQ(again.store.CurrentRecord, 6);
+    EXPECT_EQ(again.store.CurrentRecord(), 6);
     again.page.FieldText[1] = QStringLiteral("n6");
-    again.store.SaveIfDirty();
+    ASSERT_TRUE(again.store.SaveIfDirty());
     ASSERT_TRUE(again.store.JumpToRecord(3));
     EXPECT_EQ(again.text(), QStringLiteral("n3"));
     ASSERT_TRUE(again.store.JumpToRecord(6));
@@ -164,9 +167,9 @@ TEST(RecordParts, NewFileHeader)
     QTemporaryDir dir;
     const QString data = dir.filePath(QStringLiteral("H.dat"));
     StoreUser u(fullDesign());
-    ASSERT_TRUE(u.store.openFileSet(data, true, QStringLiteral("My Title")));
+    ASSERT_TRUE(u.store.openFileSet(data, OpenMode::Create, QStringLiteral("My Title")));
     ASSERT_TRUE(u.store.NewRecord());
-    u.store.SaveIfDirty();
+    ASSERT_TRUE(u.store.SaveIfDirty());
     QFile f(data);
     ASSERT_TRUE(f.open(QIODevice::ReadOnly));
     const QByteArray bytes = f.readAll();
@@ -181,7 +184,7 @@ TEST(RecordParts, NewFileHeader)
     const QString tiny = dir2.filePath(QStringLiteral("T.dat"));
     { QFile t(tiny); ASSERT_TRUE(t.open(QIODevice::WriteOnly)); t.write("abc"); }
     StoreUser w(fullDesign());
-    ASSERT_TRUE(w.store.openFileSet(tiny, false, QString()));
+    ASSERT_TRUE(w.store.openFileSet(tiny, OpenMode::Open, QString()));
     QFile t(tiny);
     ASSERT_TRUE(t.open(QIODevice::ReadOnly));
     EXPECT_EQ(RecordCodec::readInt32(t.readAll(), 16), 155);
@@ -192,9 +195,9 @@ TEST(RecordLife, NewRecordDefaultsAndClearRecord)
     QTemporaryDir dir;
     const QString data = dir.filePath(QStringLiteral("Life.dat"));
     StoreUser u(fullDesign());
-    u.store.RecordPictureFolder = dir.filePath(QStringLiteral("LifePics/"));
-    QDir().mkpath(u.store.RecordPictureFolder);
-    ASSERT_TRUE(u.store.openFileSet(data, true, QStringLiteral("T")));
+    u.store.setRecordPictureFolder(dir.filePath(QStringLiteral("LifePics/")));
+    QDir().mkpath(u.store.RecordPictureFolder());
+    ASSERT_TRUE(u.store.openFileSet(data, OpenMode::Create, QStringLiteral("T")));
     ASSERT_TRUE(u.store.NewRecord());
     EXPECT_EQ(u.page.CheckValue[1], 1);                 // CheckDefault
     EXPECT_GT(u.page.FieldDate[6], 40000);              // a date field starts now
@@ -204,7 +207,7 @@ TEST(RecordLife, NewRecordDefaultsAndClearRecord)
     EXPECT_EQ(u.page.TitleCaption[2], QStringLiteral("No. 0000001"));
     u.page.FieldText[12] = QStringLiteral("first");
     u.page.PictureRecordName[1] = QStringLiteral("3.jpg");
-    { QFile pic(u.store.RecordPictureFolder + QStringLiteral("3.jpg")); ASSERT_TRUE(pic.open(QIODevice::WriteOnly)); }
+    { QFile pic(u.store.RecordPictureFolder() + QStringLiteral("3.jpg")); ASSERT_TRUE(pic.open(QIODevice::WriteOnly)); }
     ASSERT_TRUE(u.store.NewRecord()); // saves record 1 first
     ASSERT_TRUE(u.store.JumpToRecord(1));
     EXPECT_EQ(u.page.FieldText[12], QStringLiteral("first"));
@@ -212,14 +215,14 @@ TEST(RecordLife, NewRecordDefaultsAndClearRecord)
     EXPECT_EQ(u.page.PictureRecordName[1], QStringLiteral("3.jpg"));
 
     ASSERT_TRUE(u.store.ClearRecord());
-    EXPECT_EQ(u.store.RecordIsNew, 1);
+    EXPECT_EQ(u.store.RecordIsNew(), 1);
     EXPECT_FALSE(u.page.FieldLocked[12]); // open until the user moves away
     EXPECT_TRUE(u.page.FieldText[12].isEmpty());
-    EXPECT_FALSE(QFileInfo::exists(u.store.RecordPictureFolder + QStringLiteral("3.jpg")));
-    EXPECT_EQ(u.store.CurrentRecord, 1); // the slot keeps its number
+    EXPECT_FALSE(QFileInfo::exists(u.store.RecordPictureFolder() + QStringLiteral("3.jpg")));
+    EXPECT_EQ(u.store.CurrentRecord(), 1); // the slot keeps its number
     u.page.FieldText[12] = QStringLiteral("second");
-    u.store.NavigateRecord(5);
-    EXPECT_EQ(u.store.RecordIsNew, 0);
+    EXPECT_TRUE(u.store.NavigateRecord(NavigationButton::Last));
+    EXPECT_EQ(u.store.RecordIsNew(), 0);
     ASSERT_TRUE(u.store.JumpToRecord(1));
     EXPECT_EQ(u.page.FieldText[12], QStringLiteral("second"));
     EXPECT_TRUE(u.page.FieldLocked[12]);
@@ -235,11 +238,11 @@ TEST(RecordLife, RecordLimitMessage)
     writeSmallSet(data, 2, 1070000001);
     { QFile p(partFileName(data, 1)); ASSERT_TRUE(p.open(QIODevice::WriteOnly)); }
     StoreUser u(smallDesign());
-    ASSERT_TRUE(u.store.openFileSet(data, false, QString()));
-    EXPECT_EQ(u.store.RecordCount, 1070000001);
+    ASSERT_TRUE(u.store.openFileSet(data, OpenMode::Open, QString()));
+    EXPECT_EQ(u.store.RecordCount(), 1070000001);
     EXPECT_FALSE(u.store.NewRecord());
     EXPECT_EQ(u.host.messages, QStringList{QStringLiteral("Maximum Record Limited Reached")});
-    EXPECT_EQ(u.store.RecordCount, 1070000001);
+    EXPECT_EQ(u.store.RecordCount(), 1070000001);
 }
 
 TEST(RecordLife, ReadOnlyModeWritesNothing)
@@ -249,17 +252,17 @@ TEST(RecordLife, ReadOnlyModeWritesNothing)
     writeSmallSet(data, 3, 1000);
     const QByteArray before = [&] { QFile f(data); f.open(QIODevice::ReadOnly); return f.readAll(); }();
     StoreUser u(smallDesign());
-    u.store.ViewOnlyMode = true;
-    ASSERT_TRUE(u.store.openFileSet(data, false, QString()));
+    u.store.setViewOnly(true);
+    ASSERT_TRUE(u.store.openFileSet(data, OpenMode::Open, QString()));
     ASSERT_TRUE(u.store.JumpToRecord(2));
     EXPECT_TRUE(u.page.FieldLocked[1]); // every element locked
-    u.store.LockRecord();
+    EXPECT_TRUE(u.store.LockRecord()); // nothing to guard
     u.page.FieldText[1] = QStringLiteral("changed");
     EXPECT_TRUE(u.store.PackRecord()); // skipped, not failed
-    u.store.NavigateRecord(0);
-    u.store.NewRecord();
-    u.store.ClearRecord();
-    u.store.SaveIfDirty();
+    EXPECT_TRUE(u.store.NavigateRecord(NavigationButton::First));
+    EXPECT_TRUE(u.store.NewRecord());
+    EXPECT_TRUE(u.store.ClearRecord());
+    EXPECT_TRUE(u.store.SaveIfDirty());
     QFile f(data);
     ASSERT_TRUE(f.open(QIODevice::ReadOnly));
     EXPECT_EQ(f.readAll(), before);

@@ -2,6 +2,7 @@
 // process's lock and read-only files.
 
 #include "design/DesignReader.h"
+#include "store/RecordLayout.h"
 #include "store/StoreFixture.h"
 
 #include <QProcess>
@@ -84,6 +85,31 @@ TEST_F(RecordsCli, AddsChangesAndShowsRecords)
     EXPECT_TRUE(onData({QStringLiteral("show"), QStringLiteral("2")}).out.startsWith(QStringLiteral("F1\t\n")));
 }
 
+TEST_F(RecordsCli, ARecordThatCannotBeReadIsAnErrorNotAnotherRecord)
+{
+    ASSERT_EQ(onData({QStringLiteral("new")}).code, 0);
+    ASSERT_EQ(onData({QStringLiteral("set"), QStringLiteral("1"), QStringLiteral("F1=first")}).code, 0);
+    // A damaged file set: part 1 is a folder, part 2 a (sparse) file of three records, so the
+    // count reaches into part 1 but its records cannot be read.
+    const DesignLoad load = ReadDesign(image);
+    ASSERT_TRUE(load.complete());
+    const int length = ComputeRecordLayout(load.design).RecordLength;
+    const int64_t perPart = RecordFile::DefaultRecordsPerPart(length);
+    const QString base = dir.filePath(QStringLiteral("people"));
+    ASSERT_TRUE(QDir().mkdir(base + QStringLiteral("0001")));
+    QFile last(base + QStringLiteral("0002"));
+    ASSERT_TRUE(last.open(QIODevice::WriteOnly) && last.resize(3 * int64_t(length)));
+    last.close();
+    EXPECT_EQ(onData({QStringLiteral("count")}).out, QString::number(2 * perPart + 3) + QLatin1Char('\n'));
+
+    const CliRun unreadable = onData({QStringLiteral("show"), QString::number(perPart + 1)});
+    EXPECT_EQ(unreadable.code, 1);
+    EXPECT_TRUE(unreadable.err.contains(QStringLiteral("could not be read"))) << unreadable.err.toStdString();
+    EXPECT_FALSE(unreadable.out.contains(QStringLiteral("First"))); // never record 1's values
+    const CliRun blank = onData({QStringLiteral("show"), QString::number(2 * perPart + 1)});
+    EXPECT_EQ(blank.code, 0) << blank.err.toStdString(); // a readable part still shows its records
+}
+
 TEST_F(RecordsCli, HeldRecordAndReadOnlyFileAreNotWritten)
 {
     for (int k = 0; k < 3; ++k)
@@ -94,7 +120,7 @@ TEST_F(RecordsCli, HeldRecordAndReadOnlyFileAreNotWritten)
     const DesignLoad load = ReadDesign(image);
     ASSERT_TRUE(load.complete());
     StoreUser holder{Design(load.design)};
-    ASSERT_TRUE(holder.store.openFileSet(data, false, QString()));
+    ASSERT_TRUE(holder.store.openFileSet(data, OpenMode::Open, QString()));
     ASSERT_TRUE(holder.store.JumpToRecord(3));
     ASSERT_TRUE(holder.store.LockRecord());
     const QByteArray before = bytesOf(data);
@@ -104,7 +130,7 @@ TEST_F(RecordsCli, HeldRecordAndReadOnlyFileAreNotWritten)
     EXPECT_EQ(bytesOf(data), before);
     // Another record is free.
     EXPECT_EQ(onData({QStringLiteral("set"), QStringLiteral("4"), QStringLiteral("F1=free")}).code, 0);
-    holder.store.UnlockRecord();
+    ASSERT_TRUE(holder.store.UnlockRecord());
     EXPECT_EQ(onData({QStringLiteral("set"), QStringLiteral("3"), QStringLiteral("F1=new")}).code, 0);
 
     const QByteArray after = bytesOf(data);

@@ -32,22 +32,20 @@ int main(int argc, char **argv)
     const Design design = testing::smallDesign();
     Page page(design);
     RecordStore store(design, page);
-    if (!store.openFileSet(args[0], false, design.MainCap)) {
+    if (!store.openFileSet(args[0], OpenMode::Open, design.MainCap)) {
         std::printf("open failed\n");
         return 4;
     }
     const QString verb = args[2];
     auto edit = [&](int record, const QString &value) -> bool {
-        store.JumpToRecord(record);
-        if (!store.LockRecord())
+        if (!store.JumpToRecord(record) || !store.LockRecord())
             return false;
         page.FieldText[1] = value;
         return bool(store.PackRecord());
     };
 
     if (verb == QLatin1String("hold") && args.size() >= 5) {
-        store.JumpToRecord(args[3].toInt());
-        if (!store.LockRecord()) {
+        if (!store.JumpToRecord(args[3].toInt()) || !store.LockRecord()) {
             std::printf("denied\n");
             std::fflush(stdout);
             return 3;
