@@ -143,10 +143,10 @@ void FormulaEngine::RunFormulas()
             QString lines = formula;
             lines.replace(QLatin1String("\r\n"), QLatin1String("\n"));
             for (const QString &line : lines.split(QLatin1Char('\n')))
-                (void)runLine(line, type); // a failing line is passed over
+                std::ignore = runLine(line, type); // a failing line is passed over
         } else if (formula.startsWith(QLatin1String("IF"), Qt::CaseInsensitive)
                    || formula.contains(QLatin1Char('='))) {
-            (void)runLine(formula, type);
+            std::ignore = runLine(formula, type); // as above: the field keeps its value
         } else if (type == kFormatText) {
             QString line = formula;
             page_.setFieldText(n, SubstituteFields(line, 1));
