@@ -195,7 +195,7 @@ FindReplaceWindow::Outcome FindReplaceWindow::replaceAll()
     // The record on the page as it is stored now.
     if (store.RecordCount > 0) {
         store.UnpackRecord();
-        main_.host().recordShown();
+        main_.host().announceRecordShown();
     }
     return outcome;
 }
@@ -215,7 +215,7 @@ void FindReplaceWindow::sortByFocusedField(MainWindow &main, int mode)
     wait.begin();
     SortIndexBuilder::BuildSortIndex(store, field, mode, &wait);
     wait.end();
-    main.host().recordShown();
+    main.host().announceRecordShown();
 }
 
 } // namespace ff::gui

@@ -22,6 +22,12 @@ void RecordStore::setHooks(FormulaHooks *hooks)
     codec_.setHooks(*hooks_);
 }
 
+void RecordStore::setClock(const Clock &clock)
+{
+    clock_ = &clock;
+    defaultHooks_.setClock(clock);
+}
+
 void RecordStore::setDecimalSeparator(QChar separator)
 {
     decimalSeparator_ = separator;
@@ -60,7 +66,7 @@ Status RecordStore::openFileSet(const QString &dataFileName, bool create, const 
     // A new file (under 9 bytes) gets its date of creation and the record length.
     if (file_.lengthOfOpenPart() < 9 && !ReadOnlyMode) {
         QByteArray date(8, '\0');
-        CreationDate = FormulaHooks::Now();
+        CreationDate = FormulaHooks::Now(*clock_);
         RecordCodec::writeDouble(date, 1, CreationDate);
         file_.writeHeaderBytes(1, date);
         QByteArray length(4, '\0');
@@ -315,7 +321,7 @@ void RecordStore::blankPage()
         name.clear();
     page_.FlowLabels.clear();
     page_.FlowImages.clear();
-    page_.RecordStamp = FormulaHooks::Today();
+    page_.RecordStamp = FormulaHooks::Today(*clock_);
     if (layout_.StampOffset && page_.TitleCaption.size() > 4)
         page_.TitleCaption[4] = design_.Titles[4].Caption + RecordCodec::StampText(page_.RecordStamp, design_.StampFormat);
     if (page_.TitleCaption.size() > 2)

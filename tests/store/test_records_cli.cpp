@@ -2,14 +2,14 @@
 // process's lock and read-only files.
 
 #include "design/DesignReader.h"
-#include "store/StoreFixture.h"
+#include "support/StoreFixture.h"
 
 #include <QProcess>
 
 #include <gtest/gtest.h>
 
 using namespace ff;
-using namespace ff::testing;
+using namespace ff::testsupport;
 
 namespace {
 
