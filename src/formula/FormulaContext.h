@@ -48,7 +48,7 @@ struct FormulaContext {
     // does not start another recalculation.
     bool SettingCheckFromFormula = false;
 
-    // Formula messages ("MSG"); none shown when null.
+    // Where MSGBOX shows its message; none shown when null.
     MessageSink *host = nullptr;
 };
 
