@@ -13,7 +13,7 @@
 
 namespace ff::cli {
 
-struct CliHost : StoreHost, FormulaHost {
+struct CliHost : StoreHost {
     QTextStream &err;
     QString verb;
     CliHost(QTextStream &e, QString v) : err(e), verb(std::move(v)) {}

@@ -16,10 +16,10 @@ namespace ff::cli {
 
 namespace {
 
-struct PrintHost : SearchHost {
+struct PrintHost : MessageSink {
     QTextStream &out;
     explicit PrintHost(QTextStream &o) : out(o) {}
-    void ShowMessage(const QString &, const QString &text) override { out << text << "\n"; }
+    void ShowMessage(const QString &, const QString &text, int) override { out << text << "\n"; }
 };
 
 } // namespace

@@ -2,14 +2,16 @@
 // What the entry rules need from the rest of the program. The window implements it over the record
 // store, the formula library, the search window and the desktop; the command line and the tests
 // implement it with their own recorders. Every call is made on the user-interface thread.
+// Messages go through the MessageSink's ShowMessage with an empty caption: the program's own.
 
+#include "core/MessageSink.h"
 #include "core/Result.h"
 
 #include <QString>
 
 namespace ff {
 
-class EntryHost {
+class EntryHost : public virtual MessageSink {
 public:
     virtual ~EntryHost() = default;
 
@@ -50,8 +52,6 @@ public:
     // Desktop: whether a file exists, and "open" of a file, address or program with parameters.
     virtual bool fileExists(const QString &path) = 0;
     virtual void openWithDesktop(const QString &target, const QString &parameters) = 0;
-    // The program's message box with the program's caption.
-    virtual void showMessage(const QString &text) = 0;
 };
 
 } // namespace ff

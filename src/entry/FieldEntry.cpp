@@ -19,13 +19,13 @@ bool inTable(const Table &table, int index)
 
 } // namespace
 
-FieldEntry::FieldEntry(Page &page, EntryHost &host, QLocale locale, Now now)
-    : page_(page), host_(host), locale_(std::move(locale)), now_(std::move(now)),
+FieldEntry::FieldEntry(Page &page, EntryHost &host, QLocale locale, const Clock &clock)
+    : page_(page), host_(host), locale_(std::move(locale)), clock_(&clock),
       codePage_(page.design().FontCharset)
 {
 }
 
-double FieldEntry::now() const { return now_ ? now_() : NowAsNumber(); }
+double FieldEntry::now() const { return NumberFromDateTime(clock_->now()); }
 
 QChar FieldEntry::decimalSeparator() const
 {

@@ -4,6 +4,7 @@
 // page holds the values, and everything that leaves the page (the lock, formulas) goes through
 // the host. No widget is touched here, so the same rules run in tests and on the command line.
 
+#include "core/Clock.h"
 #include "core/CodePage.h"
 #include "design/Page.h"
 #include "entry/EntryHost.h"
@@ -15,22 +16,19 @@
 #include <QLocale>
 #include <QString>
 
-#include <functional>
 #include <optional>
 
 namespace ff {
 
 class FieldEntry {
 public:
-    // The present moment as a day number; the system clock when empty.
-    using Now = std::function<double()>;
-
-    FieldEntry(Page &page, EntryHost &host, QLocale locale = QLocale::system(), Now now = Now());
+    FieldEntry(Page &page, EntryHost &host, QLocale locale = QLocale::system(), const Clock &clock = Clock::system());
 
     EntryState &state() { return state_; }
     const EntryState &state() const { return state_; }
     MultiFieldSelection &selection() { return selection_; }
     const QLocale &locale() const { return locale_; }
+    // The present moment as a day number, for the F-key fills of dates and times.
     double now() const;
 
     // The label in the status line: Title(1).
@@ -101,7 +99,7 @@ private:
     Page &page_;
     EntryHost &host_;
     QLocale locale_;
-    Now now_;
+    const Clock *clock_;
     CodePage codePage_;
     EntryState state_;
     MultiFieldSelection selection_;

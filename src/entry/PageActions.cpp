@@ -4,8 +4,8 @@
 
 namespace ff {
 
-PageActions::PageActions(Page &page, EntryHost &host, EntryState &state, StopWatch::Clock clock)
-    : page_(page), host_(host), state_(state), stopWatch_(std::move(clock))
+PageActions::PageActions(Page &page, EntryHost &host, EntryState &state, const Clock &clock)
+    : page_(page), host_(host), state_(state), stopWatch_(clock)
 {
 }
 
@@ -21,7 +21,7 @@ bool PageActions::actionButtonClicked()
     if (state_.focusKind == FocusKind::Field && index >= 0 && index < page_.FieldText.size())
         text = page_.FieldText[index];
     if (action.opensFile() && !host_.fileExists(text)) {
-        host_.showMessage(FieldAction::fileNotFoundMessage(text));
+        host_.ShowMessage(QString(), FieldAction::fileNotFoundMessage(text), kMessageColour);
         return false;
     }
     host_.openWithDesktop(action.prefix + text, QString());
@@ -99,7 +99,7 @@ void PageActions::runScript(const QString &script)
         else
             status = host_.runAssignments(line);
         if (!status.ok()) {
-            host_.showMessage(QStringLiteral("Error"));
+            host_.ShowMessage(QString(), QStringLiteral("Error"), kMessageColour);
             return;
         }
     }

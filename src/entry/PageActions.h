@@ -15,7 +15,7 @@ namespace ff {
 
 class PageActions {
 public:
-    PageActions(Page &page, EntryHost &host, EntryState &state, StopWatch::Clock clock = StopWatch::Clock());
+    PageActions(Page &page, EntryHost &host, EntryState &state, const Clock &clock = Clock::system());
 
     // Labels below this number have fixed jobs and never act.
     static constexpr int kFirstActingLabel = 6;

@@ -1,26 +1,8 @@
 #include "entry/StopWatch.h"
 
-#include <QElapsedTimer>
-
 #include <cmath>
 
 namespace ff {
-
-namespace {
-
-double monotonicSeconds()
-{
-    static QElapsedTimer timer = [] {
-        QElapsedTimer t;
-        t.start();
-        return t;
-    }();
-    return static_cast<double>(timer.nsecsElapsed()) / 1e9;
-}
-
-} // namespace
-
-StopWatch::StopWatch(Clock clock) : clock_(clock ? std::move(clock) : Clock(monotonicSeconds)) {}
 
 bool StopWatch::click(int field)
 {
@@ -29,7 +11,7 @@ bool StopWatch::click(int field)
         return false;
     }
     field_ = field;
-    start_ = clock_();
+    start_ = clock_->steadySeconds();
     running_ = true;
     return true;
 }
@@ -45,7 +27,7 @@ QString StopWatch::tick() const
 {
     if (!running_)
         return QString();
-    return elapsedText(clock_() - start_);
+    return elapsedText(clock_->steadySeconds() - start_);
 }
 
 } // namespace ff

@@ -1,19 +1,17 @@
 #pragma once
 // The stop watch of a time field: a click on the action button starts it for the focused field, a
 // second click stops it. While it runs, each tick puts the time since the start into that field as
-// "hh:nn:ss". The clock is passed in, so that tests can drive it.
+// "hh:nn:ss". It reads the steady seconds of the clock it is given, so that tests can drive it.
+
+#include "core/Clock.h"
 
 #include <QString>
-
-#include <functional>
 
 namespace ff {
 
 class StopWatch {
 public:
-    // Seconds on a steady clock; the default reads the system's monotonic clock.
-    using Clock = std::function<double()>;
-    explicit StopWatch(Clock clock = Clock());
+    explicit StopWatch(const Clock &clock = Clock::system()) : clock_(&clock) {}
 
     // A click: starts the watch for `field` when it is stopped, stops it when it runs.
     // Returns whether it runs now (the window enables or disables its tick timer by it).
@@ -28,7 +26,7 @@ public:
     static QString elapsedText(double seconds);
 
 private:
-    Clock clock_;
+    const Clock *clock_;
     bool running_ = false;
     int field_ = 0;
     double start_ = 0;

@@ -41,8 +41,6 @@ double NumberFromDateTime(const QDateTime &dateTime)
     return NumberFromDate(dateTime.date(), dateTime.time());
 }
 
-double NowAsNumber() { return NumberFromDateTime(QDateTime::currentDateTime()); }
-
 namespace {
 
 QStringList dateFormats(const QLocale &locale)

@@ -20,8 +20,6 @@ bool IsDateNumber(double value);
 QDateTime DateFromNumber(double value);
 double NumberFromDate(const QDate &date, const QTime &time = QTime(0, 0));
 double NumberFromDateTime(const QDateTime &dateTime);
-// The present moment as a day number.
-double NowAsNumber();
 
 // Reads a text as a date, as the system's date conversion does: a number is taken as a day number;
 // otherwise the short, medium, long and general forms of the locale, ISO dates and times of day

@@ -4,6 +4,6 @@
 
 namespace ff {
 
-double FormulaContext::Now() const { return now ? now() : NowAsNumber(); }
+double FormulaContext::Now() const { return NumberFromDateTime(clock->now()); }
 
 } // namespace ff

@@ -3,18 +3,21 @@
 // formula variables, the record position, the last search's figures, the locale and the clock.
 // Keeping them here rather than in globals lets several pages and tests run side by side.
 
-#include "formula/FormulaHost.h"
+#include "core/Clock.h"
+#include "core/MessageSink.h"
 
 #include <QLocale>
 #include <QString>
 
 #include <array>
 #include <cstdint>
-#include <functional>
 
 namespace ff {
 
 constexpr int kFormulaVarCount = 100;
+
+// The colour formulas show their messages in.
+constexpr int kFormulaMessageColour = kMessageColour;
 
 struct FormulaContext {
     // Number, date and currency settings; the decimal separator is the locale's.
@@ -37,15 +40,16 @@ struct FormulaContext {
     QString AppTitle; // the caption of formula messages
     QString AppPath;  // the folder of the program, for "APATH:"
 
-    // The present moment as a day number; the system clock when not set (tests pin it).
-    std::function<double()> now;
+    // The present moment; tests install a FixedClock. Now() is it as a day number.
+    const Clock *clock = &Clock::system();
     double Now() const;
 
     // Raised while a formula sets a check field, so that the check field's own change handling
     // does not start another recalculation.
     bool SettingCheckFromFormula = false;
 
-    FormulaHost *host = nullptr;
+    // Where MSGBOX shows its message; none shown when null.
+    MessageSink *host = nullptr;
 };
 
 } // namespace ff

@@ -201,7 +201,7 @@ FindReplaceWindow::Outcome FindReplaceWindow::replaceAll()
     if (store.RecordCount() > 0) {
         // When it cannot be read the page keeps what it showed; the file holds the changes.
         std::ignore = store.UnpackRecord();
-        main_.host().recordShown();
+        main_.host().announceRecordShown();
     }
     return outcome;
 }
@@ -224,7 +224,7 @@ void FindReplaceWindow::sortByFocusedField(MainWindow &main, BrowseOrder order)
     // A field the index cannot be built for leaves the order as it was.
     std::ignore = SortIndexBuilder::BuildSortIndex(store, field, order, &wait);
     wait.end();
-    main.host().recordShown();
+    main.host().announceRecordShown();
 }
 
 } // namespace ff::gui

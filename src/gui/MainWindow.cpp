@@ -49,10 +49,10 @@ namespace ff::gui {
 class RelayHost : public StoreHost {
 public:
     MainWindowHost *to = nullptr;
-    void ShowMessage(const QString &caption, const QString &text, int color) override
+    void ShowMessage(const QString &caption, const QString &text, int colour) override
     {
         if (to)
-            to->ShowMessage(caption, text, color);
+            to->ShowMessage(caption, text, colour);
     }
     void YieldToEvents() override
     {
@@ -72,25 +72,27 @@ QString tipOf(const QString &caption)
 
 } // namespace
 
-MainWindow::MainWindow(AppPaths paths, DesignLoad load, QWidget *parent)
+MainWindow::MainWindow(AppPaths paths, DesignLoad load, const Clock &clock, QWidget *parent)
     : QMainWindow(parent), paths_(std::move(paths)), loadError_(load.error)
 {
     const Design &d = load.design;
     context_.AppTitle = d.MainCap;
     context_.AppPath = paths_.AppFolder;
+    context_.clock = &clock;
     hooks_ = std::make_unique<EngineFormulaHooks>(context_);
     relay_ = std::make_unique<RelayHost>();
     db_ = std::make_unique<Database>(std::move(load.design), paths_, relay_.get(), hooks_.get());
+    db_->setClock(clock);
     host_ = std::make_unique<MainWindowHost>(*db_, context_, this);
     relay_->to = host_.get();
     context_.host = host_.get();
-    host_->recordShown = [this] { recordShown(); };
-    host_->endNow = [this] {
+    connect(host_.get(), &MainWindowHost::recordShown, this, &MainWindow::recordShown);
+    connect(host_.get(), &MainWindowHost::endNow, this, [this] {
         endingNow_ = true;
         close();
-    };
+    });
     // A page button's search line: a results window of its own, without the final message.
-    host_->searchLine = [this](const QString &line) {
+    connect(host_.get(), &MainWindowHost::searchLine, this, [this](const QString &line) {
         ResultsWindow::Request request;
         request.line = line;
         request.silent = true;
@@ -98,7 +100,7 @@ MainWindow::MainWindow(AppPaths paths, DesignLoad load, QWidget *parent)
         request.focus = SearchNames(design(), db_->store().layout())
                             .describe(static_cast<SearchKind>(int(state.focusKind)), state.focusIndex);
         ResultsWindow::start(*this, request);
-    };
+    });
 
     db_->start();
     // The login runs before anything of the data shows; a refused login ends the program.
@@ -114,8 +116,8 @@ MainWindow::MainWindow(AppPaths paths, DesignLoad load, QWidget *parent)
         setFont(f);
     }
 
-    entry_ = std::make_unique<FieldEntry>(db_->page(), *host_, context_.locale);
-    actions_ = std::make_unique<PageActions>(db_->page(), *host_, entry_->state());
+    entry_ = std::make_unique<FieldEntry>(db_->page(), *host_, context_.locale, clock);
+    actions_ = std::make_unique<PageActions>(db_->page(), *host_, entry_->state(), clock);
     buildToolbar();
     buildPage();
     openData(OpenMode::Open);
@@ -264,12 +266,12 @@ void MainWindow::buildPage()
     setCentralWidget(central);
 
     binder_ = new PageBinder(*canvas_, db_->page(), *entry_, *actions_, this);
-    binder_->actionChanged = [this](const FieldAction &a) { showAction(a); };
-    binder_->datePickerWanted = [this](int field) { pickDate(field); };
-    binder_->scrollWanted = [this](int delta) {
+    connect(binder_, &PageBinder::actionChanged, this, &MainWindow::showAction);
+    connect(binder_, &PageBinder::datePickerWanted, this, &MainWindow::pickDate);
+    connect(binder_, &PageBinder::scrollWanted, this, [this](int delta) {
         QScrollBar *v = scroll_->verticalScrollBar();
         v->setValue(qBound(v->minimum(), v->value() + delta, v->maximum()));
-    };
+    });
     setTabOrder();
 
     status_ = new QLabel(this);
@@ -424,7 +426,7 @@ void MainWindow::chooseDataFile(bool create)
     else if (create && QFileInfo::exists(name))
         message = d.MessageText[11];
     if (!message.isNull()) {
-        host_->ShowMessage(db_->MainCaption, message.replace(QLatin1Char('*'), name), kFormulaMessageColour);
+        host_->ShowMessage(db_->MainCaption, message.replace(QLatin1Char('*'), name), kMessageColour);
         return;
     }
     openDataFile(name, create);
@@ -480,8 +482,8 @@ void MainWindow::pickDate(int field)
     Page &page = db_->page();
     const int type = design().Fields[size_t(field)].FieldType;
     const double old = page.FieldDate.value(field);
-    QDate start = old != 0 ? DateFromNumber(old).date() : QDate::currentDate();
-    toolkit::CalendarWindow calendar(start, this);
+    const QDate start = old != 0 ? DateFromNumber(old).date() : QDate();
+    toolkit::CalendarWindow calendar(*context_.clock, start, this);
     if (calendar.exec() != QDialog::Accepted || !calendar.pickedDate().isValid())
         return;
     // The picked day keeps the time of day the field held.
@@ -495,7 +497,7 @@ void MainWindow::pickDate(int field)
 
 void MainWindow::updateClock()
 {
-    clock_->setText(PageClock::text(QDateTime::currentDateTime(), design().ClockFormat, context_.locale));
+    clock_->setText(PageClock::text(context_.clock->now(), design().ClockFormat, context_.locale));
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

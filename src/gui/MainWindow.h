@@ -4,6 +4,7 @@
 // and binds the page to its widgets; the record on screen lives in the core page, not here.
 // If the design could not be read completely, it opens with what was read and says so.
 
+#include "core/Clock.h"
 #include "design/AppPaths.h"
 #include "design/DesignReader.h"
 #include "formula/FormulaContext.h"
@@ -42,7 +43,9 @@ class RelayHost;
 class MainWindow : public QMainWindow {
     Q_OBJECT
 public:
-    MainWindow(AppPaths paths, DesignLoad load, QWidget *parent = nullptr);
+    // `clock`: the present moment for formulas, stamps, the calendar, the clock and the stop watch
+    // (tests pass a FixedClock); it must outlive the window.
+    MainWindow(AppPaths paths, DesignLoad load, const Clock &clock = Clock::system(), QWidget *parent = nullptr);
     ~MainWindow() override;
 
     const Design &design() const;

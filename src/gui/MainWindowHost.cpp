@@ -17,11 +17,7 @@ MainWindowHost::MainWindowHost(Database &db, FormulaContext &context, QWidget *w
 {
 }
 
-void MainWindowHost::shown()
-{
-    if (recordShown)
-        recordShown();
-}
+void MainWindowHost::shown() { Q_EMIT recordShown(); }
 
 bool MainWindowHost::readOnly() const { return !db_.store().writingAllowed(); }
 
@@ -53,11 +49,7 @@ void MainWindowHost::newRecord()
     shown();
 }
 
-void MainWindowHost::endProgram()
-{
-    if (endNow)
-        endNow();
-}
+void MainWindowHost::endProgram() { Q_EMIT endNow(); }
 
 void MainWindowHost::copyRecordToClipboard()
 {
@@ -65,11 +57,7 @@ void MainWindowHost::copyRecordToClipboard()
     // started by the tag opens without a record to paste.
 }
 
-void MainWindowHost::runSearchLine(const QString &line)
-{
-    if (searchLine)
-        searchLine(line);
-}
+void MainWindowHost::runSearchLine(const QString &line) { Q_EMIT searchLine(line); }
 
 bool MainWindowHost::fileExists(const QString &path)
 {
@@ -94,14 +82,12 @@ void MainWindowHost::openWithDesktop(const QString &target, const QString &param
     QDesktopServices::openUrl(url);
 }
 
-void MainWindowHost::showMessage(const QString &text)
+void MainWindowHost::ShowMessage(const QString &caption, const QString &text, int colour)
 {
-    ShowMessage(db_.MainCaption.isEmpty() ? db_.design().MainCap : db_.MainCaption, text, kFormulaMessageColour);
-}
-
-void MainWindowHost::ShowMessage(const QString &caption, const QString &text, int color)
-{
-    toolkit::ShowMessage(window_, caption, text, color);
+    QString title = caption;
+    if (title.isEmpty())
+        title = db_.MainCaption.isEmpty() ? db_.design().MainCap : db_.MainCaption;
+    toolkit::ShowMessage(window_, title, text, colour);
 }
 
 void MainWindowHost::YieldToEvents()

@@ -1,14 +1,14 @@
 #pragma once
-// What the engine asks of the main window: the record store's and the formulas' message box, the
-// event loop's turn during writes, and the entry rules' calls (lock, save, navigate, new record,
-// end, the desktop). One object answers all three interfaces so that the window's own class keeps
-// to its widgets.
+// What the engine asks of the main window: the message box of the store, the formulas, the search
+// and the entry rules, the event loop's turn during writes, and the entry rules' calls (lock, save,
+// navigate, new record, end, the desktop). One object answers all these interfaces so that the
+// window's own class keeps to its widgets; what the window must do in turn it hears by signals.
 
 #include "entry/FormulaEntryHost.h"
-#include "formula/FormulaHost.h"
 #include "store/StoreHost.h"
 
-#include <functional>
+#include <QObject>
+#include <QStringList>
 
 class QWidget;
 
@@ -18,15 +18,14 @@ class Database;
 
 namespace ff::gui {
 
-class MainWindowHost : public FormulaEntryHost, public StoreHost, public FormulaHost {
+class MainWindowHost : public QObject, public FormulaEntryHost, public StoreHost {
+    Q_OBJECT
 public:
     MainWindowHost(Database &db, FormulaContext &context, QWidget *window);
 
-    // Set by the window: what happens after the record on the page changed (record box, status),
-    // when the program is to end at once, and a search line from a page button.
-    std::function<void()> recordShown;
-    std::function<void()> endNow;
-    std::function<void(const QString &)> searchLine;
+    // For the windows that move the store themselves (results, find and replace): the record on
+    // the page changed, as recordShown() tells.
+    void announceRecordShown() { Q_EMIT recordShown(); }
 
     // EntryHost
     bool readOnly() const override;
@@ -39,18 +38,24 @@ public:
     void runSearchLine(const QString &line) override;
     bool fileExists(const QString &path) override;
     void openWithDesktop(const QString &target, const QString &parameters) override;
-    void showMessage(const QString &text) override;
+
+    // MessageSink: the program's message box over the window; an empty caption is the window's.
+    void ShowMessage(const QString &caption, const QString &text, int colour) override;
 
     // StoreHost
-    void ShowMessage(const QString &caption, const QString &text, int color) override;
     void YieldToEvents() override;
-
-    // FormulaHost (same signature as the store's message box)
-    // ShowMessage above serves both.
 
     // Every "open" handed to the desktop, in order (the offscreen platform launches nothing, so
     // tests read this).
     QStringList opened;
+
+Q_SIGNALS:
+    // The record on the page changed (record box, status line).
+    void recordShown();
+    // "END": the program ends at once, nothing saved.
+    void endNow();
+    // A page button's search line, for a results window of its own.
+    void searchLine(const QString &line);
 
 private:
     void shown();

@@ -251,8 +251,7 @@ bool PageBinder::keyDownHandled(const FieldEntry::KeyDown &down, const std::func
         return true;
     }
     if (down.action == FieldEntry::KeyDown::Action::Scroll) {
-        if (scrollWanted)
-            scrollWanted(down.scrollBy);
+        Q_EMIT scrollWanted(down.scrollBy);
         return true;
     }
     return false;
@@ -274,8 +273,8 @@ bool PageBinder::eventFilter(QObject *watched, QEvent *event)
             actions_.labelPressed(t.index);
         return false;
     case Kind::Picture:
-        if (event->type() == QEvent::MouseButtonPress && actions_.picturePressed(t.index) && pictureEditorWanted)
-            pictureEditorWanted(t.index);
+        if (event->type() == QEvent::MouseButtonPress && actions_.picturePressed(t.index))
+            Q_EMIT pictureEditorWanted(t.index);
         return false;
     }
     return false;
@@ -287,8 +286,7 @@ bool PageBinder::fieldEvent(int i, QEvent *event)
     switch (event->type()) {
     case QEvent::FocusIn: {
         const FieldAction action = entry_.fieldGotFocus(i);
-        if (actionChanged)
-            actionChanged(action);
+        Q_EMIT actionChanged(action);
         return false;
     }
     case QEvent::FocusOut:
@@ -322,8 +320,8 @@ bool PageBinder::fieldEvent(int i, QEvent *event)
         return false;
     }
     case QEvent::MouseButtonDblClick:
-        if (entry_.fieldWantsDatePicker(i) && datePickerWanted) {
-            datePickerWanted(i);
+        if (entry_.fieldWantsDatePicker(i)) {
+            Q_EMIT datePickerWanted(i);
             return true;
         }
         return false;
@@ -343,8 +341,7 @@ bool PageBinder::comboEvent(int i, QEvent *event)
     switch (event->type()) {
     case QEvent::FocusIn:
         entry_.comboGotFocus(i);
-        if (actionChanged)
-            actionChanged(FieldAction());
+        Q_EMIT actionChanged(FieldAction());
         return false;
     case QEvent::FocusOut:
         if (combo->hasFocus())
@@ -378,8 +375,7 @@ bool PageBinder::noteEvent(int i, QEvent *event)
     switch (event->type()) {
     case QEvent::FocusIn:
         entry_.noteGotFocus(i);
-        if (actionChanged)
-            actionChanged(FieldAction());
+        Q_EMIT actionChanged(FieldAction());
         return false;
     case QEvent::KeyPress:
         return applyKeyRule(note, static_cast<QKeyEvent *>(event), [&](QChar c) { return entry_.noteKeyPress(i, c); });
@@ -398,8 +394,7 @@ bool PageBinder::checkEvent(int i, QEvent *event)
     switch (event->type()) {
     case QEvent::FocusIn:
         entry_.checkGotFocus(i);
-        if (actionChanged)
-            actionChanged(FieldAction());
+        Q_EMIT actionChanged(FieldAction());
         return false;
     case QEvent::MouseButtonPress:
         // The page decides: the left button toggles, the right one only takes the focus.

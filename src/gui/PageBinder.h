@@ -34,12 +34,16 @@ public:
     // Every widget from the page.
     void refreshAll();
 
-    // Told by the window: the action the focused field offers (the action button), a date field's
-    // double click (the calendar), and a scroll of the page by arrows.
-    std::function<void(const FieldAction &)> actionChanged;
-    std::function<void(int field)> datePickerWanted;
-    std::function<void(int delta)> scrollWanted;
-    std::function<void(int picture)> pictureEditorWanted;
+Q_SIGNALS:
+    // The action the focused field offers (the action button); an empty one when focus leaves.
+    void actionChanged(const FieldAction &action);
+    // A date field's double click: the calendar.
+    void datePickerWanted(int field);
+    // An arrow key asks the page box to scroll by `delta` pixels.
+    void scrollWanted(int delta);
+    // A click on a per-record picture that may be changed. Left unconnected until the picture
+    // editor exists: the click does nothing else.
+    void pictureEditorWanted(int picture);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

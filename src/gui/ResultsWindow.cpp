@@ -7,7 +7,6 @@
 #include "store/Database.h"
 #include "toolkit/WaitWindow.h"
 #include "toolkit/SortableList.h"
-#include "toolkit/MessageWindow.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -36,19 +35,6 @@ public:
 private:
     toolkit::WaitWindow &wait_;
     SearchSession &session_;
-};
-
-// The final word of sum, count and replace in the program's message box.
-class MessageHost : public SearchHost {
-public:
-    explicit MessageHost(QWidget *parent) : parent_(parent) {}
-    void ShowMessage(const QString &caption, const QString &text) override
-    {
-        toolkit::ShowMessage(parent_, caption, text);
-    }
-
-private:
-    QWidget *parent_;
 };
 
 // The list's sort kind of a column: money and numbers with decimals as currency, dates as dates,
@@ -228,8 +214,7 @@ void ResultsWindow::runSearch(const QString &line, bool withinHits)
     StopProgress progress(*wait_, session_);
     options.progress = &progress;
     wait_->begin();
-    MessageHost host(&main_);
-    SearchResult r = engine.run(query, options, &host, &main_.context());
+    SearchResult r = engine.run(query, options, &main_.host(), &main_.context());
     wait_->end();
     running_ = false;
     stopButton_->setEnabled(false);
@@ -238,7 +223,7 @@ void ResultsWindow::runSearch(const QString &line, bool withinHits)
         // The record on the page may be one of those changed. When it cannot be read again the
         // page keeps what it showed; the file holds the replacements all the same.
         std::ignore = store.UnpackRecord();
-        main_.host().recordShown();
+        main_.host().announceRecordShown();
     }
     if (withinHits && r.command != CommandKind::Select && r.command != CommandKind::Find)
         return; // a total over the hits leaves the list as it is
@@ -306,7 +291,7 @@ void ResultsWindow::showRecord(int32_t record)
     // A record that cannot be read leaves the page as it was; the main window shows which record
     // is there.
     std::ignore = store.JumpToRecord(record);
-    main_.host().recordShown();
+    main_.host().announceRecordShown();
 }
 
 } // namespace ff::gui

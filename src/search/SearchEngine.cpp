@@ -177,7 +177,7 @@ QString SearchEngine::totalText(WideFixed fixed, double floating, const QString 
     return text;
 }
 
-SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, SearchHost *host, FormulaContext *context)
+SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, MessageSink *messages, FormulaContext *context)
 {
     SearchResult r;
     r.command = q.command;
@@ -464,8 +464,8 @@ SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, S
     default:
         break;
     }
-    if (!r.message.isEmpty() && !o.silent && host)
-        host->ShowMessage(caption, r.message);
+    if (!r.message.isEmpty() && !o.silent && messages)
+        messages->ShowMessage(caption, r.message, kMessageColour);
     return r;
 }
 

@@ -8,9 +8,9 @@
 // Long select, find, count and fixed-point sum walks run their second half on a helper thread
 // (see SearchOptions::twoThreadsFrom); the result is that of the one-thread walk.
 
+#include "core/MessageSink.h"
 #include "core/Progress.h"
 #include "design/Design.h"
-#include "search/SearchHost.h"
 #include "search/SearchNames.h"
 #include "search/SearchParser.h"
 #include "search/SearchQuery.h"
@@ -77,8 +77,9 @@ public:
     const SearchNames &names() const { return names_; }
     CompiledQuery compile(const QString &line, bool matchCase, const SearchField &focus) const;
 
-    // `context` (may be null) receives SearchLine, SumTotal, SumAverage and CountTotal.
-    SearchResult run(const CompiledQuery &query, const SearchOptions &options, SearchHost *host = nullptr,
+    // `context` (may be null) receives SearchLine, SumTotal, SumAverage and CountTotal. The final
+    // word of sum, count and replace goes to `messages` unless the search is silent.
+    SearchResult run(const CompiledQuery &query, const SearchOptions &options, MessageSink *messages = nullptr,
                      FormulaContext *context = nullptr);
 
     // The row text of one record for the given columns, as the results list shows it.

@@ -23,7 +23,7 @@ void Database::start()
 {
     DecimalSeparator = FormulaHooks::SystemDecimalSeparator();
     store_->setDecimalSeparator(DecimalSeparator);
-    TodayDate = FormulaHooks::Today();
+    TodayDate = FormulaHooks::Today(clock());
     // The design's administrator password, coded, unless the per-user file holds another.
     if (!design_->AdminPassword.isEmpty())
         users_.UserPassword[0] = CodeText(design_->AdminPassword, codePage_);

@@ -31,6 +31,9 @@ public:
     RecordStore &store() { return *store_; }
     UserTable &users() { return users_; }
     void setHooks(FormulaHooks *hooks) { store_->setHooks(hooks); }
+    // The clock of TodayDate and of the store's stamps; set before start().
+    void setClock(const Clock &clock) { store_->setClock(clock); }
+    const Clock &clock() const { return store_->clock(); }
 
     QChar DecimalSeparator;
     double TodayDate = 0;

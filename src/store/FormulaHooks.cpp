@@ -30,9 +30,9 @@ double FormulaHooks::FromDateTime(const QDateTime &when)
     return days >= 0 ? days + fraction : days - fraction;
 }
 
-double FormulaHooks::Today() { return static_cast<double>(kDayZero.daysTo(QDate::currentDate())); }
+double FormulaHooks::Today(const Clock &clock) { return static_cast<double>(kDayZero.daysTo(clock.today())); }
 
-double FormulaHooks::Now() { return FromDateTime(QDateTime::currentDateTime()); }
+double FormulaHooks::Now(const Clock &clock) { return FromDateTime(clock.now()); }
 
 QChar FormulaHooks::SystemDecimalSeparator()
 {
@@ -154,7 +154,7 @@ void FormulaHooks::SetFieldDefault(Page &page, int index, bool showZeros) const
             page.FieldText[index] = QStringLiteral("0");
         break;
     case 6: case 7: case 8: case 9: {
-        const double when = Now() + f.FieldDisplay;
+        const double when = Now(*clock_) + f.FieldDisplay;
         page.FieldDate[index] = when;
         if (when != 0)
             page.FieldText[index] = FormatDate(when, type);
@@ -175,7 +175,7 @@ void FormulaHooks::SetFieldDefault(Page &page, int index, bool showZeros) const
     default:
         if (type >= 13 && type <= 22) {
             static const char *patterns[] = {"yy", "yyyy", "MM", "MMM", "MMMM", "dd", "ddd", "dddd", "w", "ww"};
-            const QDate date = ToDateTime(Today() + f.FieldDisplay).date();
+            const QDate date = ToDateTime(Today(*clock_) + f.FieldDisplay).date();
             const QString pattern = QString::fromLatin1(patterns[type - 13]);
             if (pattern == QLatin1String("w"))
                 page.FieldText[index] = QString::number(date.dayOfWeek() % 7 + 1); // Sunday is day 1

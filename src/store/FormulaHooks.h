@@ -4,6 +4,7 @@
 // shown. The formula library supplies its own subclass; this base gives plain behaviour (formats
 // from the default QLocale, no formulas run) so that the store works on its own.
 
+#include "core/Clock.h"
 #include "design/Page.h"
 
 #include <QChar>
@@ -26,15 +27,21 @@ public:
     // Recalculates the formulas of the record on the page. The base runs none.
     virtual void RunFormulas(Page &page, int currentRecord);
 
+    // The clock the base's date defaults read; the store sets its own.
+    void setClock(const Clock &clock) { clock_ = &clock; }
+
     // Day numbers: days since 30 December 1899, the fraction is the time of day.
     static QDateTime ToDateTime(double dayNumber);
     static double FromDateTime(const QDateTime &when);
-    static double Today(); // today, no time
-    static double Now();
+    static double Today(const Clock &clock); // today, no time
+    static double Now(const Clock &clock);
     // "Medium Date" and the date part of the general date as the system shows them.
     static QString FormatDate(double dayNumber, int fieldType);
     // The system's decimal separator: the second character of 1.1 formatted.
     static QChar SystemDecimalSeparator();
+
+private:
+    const Clock *clock_ = &Clock::system();
 };
 
 } // namespace ff

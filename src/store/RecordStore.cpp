@@ -31,6 +31,12 @@ void RecordStore::setHooks(FormulaHooks *hooks)
     codec_.setHooks(*hooks_);
 }
 
+void RecordStore::setClock(const Clock &clock)
+{
+    clock_ = &clock;
+    defaultHooks_.setClock(clock);
+}
+
 void RecordStore::setDecimalSeparator(QChar separator)
 {
     decimalSeparator_ = separator;
@@ -70,7 +76,7 @@ Status RecordStore::openFileSet(const QString &dataFileName, OpenMode mode, cons
     // A new file (under 9 bytes) gets its date of creation and the record length.
     if (file_.lengthOfOpenPart() < 9 && !readOnlyMode_) {
         QByteArray date(8, '\0');
-        creationDate_ = FormulaHooks::Now();
+        creationDate_ = FormulaHooks::Now(*clock_);
         RecordCodec::writeDouble(date, 1, creationDate_);
         QByteArray length(4, '\0');
         RecordCodec::writeInt32(length, 1, layout_.RecordLength);
@@ -357,7 +363,7 @@ void RecordStore::blankPage()
         name.clear();
     page_.FlowLabels.clear();
     page_.FlowImages.clear();
-    page_.RecordStamp = FormulaHooks::Today();
+    page_.RecordStamp = FormulaHooks::Today(*clock_);
     if (layout_.StampOffset && page_.TitleCaption.size() > 4)
         page_.TitleCaption[4] = design_.Titles[4].Caption + RecordCodec::StampText(page_.RecordStamp, design_.StampFormat);
     if (page_.TitleCaption.size() > 2)

@@ -6,6 +6,7 @@
 // snaps back. Every action that leaves the record saves it first when it is dirty (PackRecord
 // writes it and drops the lock). There is no delete: a slot keeps its number for good.
 
+#include "core/Clock.h"
 #include "core/Result.h"
 #include "design/Page.h"
 #include "store/FormulaHooks.h"
@@ -46,6 +47,9 @@ public:
 
     void setHooks(FormulaHooks *hooks);
     void setHost(StoreHost *host) { host_ = host; }
+    // The clock of the creation date of a new file and the stamp of a new record.
+    void setClock(const Clock &clock);
+    const Clock &clock() const { return *clock_; }
     void setDecimalSeparator(QChar separator);
 
     const Design &design() const { return design_; }
@@ -136,6 +140,7 @@ private:
     FormulaHooks defaultHooks_;
     FormulaHooks *hooks_;
     StoreHost *host_;
+    const Clock *clock_ = &Clock::system();
     RecordLayout layout_;
     QChar decimalSeparator_;
     RecordCodec codec_;

@@ -1,17 +1,13 @@
 #pragma once
-// What the record store needs from its host: the message box and a chance to let the event loop
-// run. The window implements it with its own message box; the command line prints to stderr; tests
-// record the calls.
+// What the record store needs from its host beyond the message box (MessageSink): a chance to let
+// the event loop run. The window implements it; the command line and tests need not.
 
-#include <QString>
+#include "core/MessageSink.h"
 
 namespace ff {
 
-class StoreHost {
+class StoreHost : public virtual MessageSink {
 public:
-    virtual ~StoreHost() = default;
-    // The program's message box: caption, text ("|" is a line break) and its colour.
-    virtual void ShowMessage(const QString &caption, const QString &text, int color) = 0;
     // Long walks and each record write give the event loop a turn.
     virtual void YieldToEvents() {}
 };

@@ -35,17 +35,17 @@ std::array<int, 42> MonthCells(int month, int year, Qt::DayOfWeek firstDayOfWeek
     return cells;
 }
 
-CalendarWindow::CalendarWindow(QDate start, QWidget *parent)
-    : QDialog(parent), monthBox_(new QComboBox(this)), yearBox_(new QComboBox(this))
+CalendarWindow::CalendarWindow(const Clock &clock, QDate start, QWidget *parent)
+    : QDialog(parent), monthBox_(new QComboBox(this)), yearBox_(new QComboBox(this)), today_(clock.today())
 {
     setWindowTitle(tr("Calendar"));
     if (!start.isValid())
-        start = QDate::currentDate();
+        start = today_;
     const QLocale locale;
     for (int m = 1; m <= 12; ++m)
         monthBox_->addItem(locale.monthName(m, QLocale::LongFormat));
     // Years from two hundred before this year to two hundred after it.
-    const int thisYear = QDate::currentDate().year();
+    const int thisYear = today_.year();
     firstYear_ = thisYear - 200;
     for (int y = firstYear_; y <= thisYear + 200; ++y)
         yearBox_->addItem(QString::number(y));
@@ -121,13 +121,12 @@ void CalendarWindow::stepMonth(int delta)
 void CalendarWindow::CalcDate()
 {
     const auto cells = MonthCells(month(), year(), QLocale().firstDayOfWeek());
-    const QDate today = QDate::currentDate();
     for (size_t i = 0; i < cells.size(); ++i) {
         QPushButton *cell = dayButtons_[i];
         const int day = cells[i];
         cell->setText(day ? QString::number(day) : QString());
         cell->setEnabled(day != 0);
-        const bool isToday = day && today == QDate(year(), month(), day);
+        const bool isToday = day && today_ == QDate(year(), month(), day);
         QFont f = cell->font();
         f.setBold(isToday);
         cell->setFont(f);

@@ -1,6 +1,9 @@
 #pragma once
 // The calendar that picks a date for a date field: month and year lists, arrows a month back and
 // forward, the day cells of one month with today marked. A click on a day picks it and closes.
+// "Today" and the span of the year list come from the clock it is given.
+
+#include "core/Clock.h"
 
 #include <QDate>
 #include <QDialog>
@@ -22,7 +25,8 @@ std::array<int, 42> MonthCells(int month, int year, Qt::DayOfWeek firstDayOfWeek
 class CalendarWindow : public QDialog {
     Q_OBJECT
 public:
-    explicit CalendarWindow(QDate start = QDate::currentDate(), QWidget *parent = nullptr);
+    // Opens on the month of `start`, or of today when `start` is not valid.
+    explicit CalendarWindow(const Clock &clock, QDate start = QDate(), QWidget *parent = nullptr);
 
     QDate pickedDate() const { return picked_; }
     int month() const;
@@ -41,6 +45,7 @@ private:
     std::array<QPushButton *, 42> dayButtons_{};
     std::array<QLabel *, 7> dayNames_{};
     QDate picked_;
+    QDate today_;
     int firstYear_;
 };
 

@@ -2,6 +2,7 @@
 // built onto a run-time and dumped back.
 
 #include "design/DesignJson.h"
+#include "support/Programs.h"
 
 #include <gtest/gtest.h>
 
@@ -9,25 +10,12 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QProcess>
 #include <QTemporaryDir>
 
 using namespace ff;
+using namespace ff::testsupport;
 
 namespace {
-
-struct Outcome {
-    int code = -1;
-    QByteArray out, err;
-};
-
-Outcome run(const QString &program, const QStringList &args)
-{
-    QProcess p;
-    p.start(program, args);
-    p.waitForFinished(60000);
-    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(), p.readAllStandardError()};
-}
 
 void writeFile(const QString &path, const QByteArray &data)
 {
@@ -74,9 +62,9 @@ protected:
         QDir().mkpath(dir.filePath(QStringLiteral("out")));
         image = dir.filePath(QStringLiteral("out/recipes.exe"));
     }
-    Outcome build(const QStringList &extra = {})
+    ProgramRun build(const QStringList &extra = {})
     {
-        return run(QStringLiteral(FLATFORM_BUILD_EXE), QStringList{design, QStringLiteral("-o"), image} + extra);
+        return runProgram(QStringLiteral(FLATFORM_BUILD_EXE), QStringList{design, QStringLiteral("-o"), image} + extra);
     }
 };
 
@@ -84,8 +72,8 @@ protected:
 
 TEST_F(BuildAndDump, TheDumpIsTheDesignThatWasBuilt)
 {
-    Outcome b = build({QStringLiteral("--runtime"), runtime});
-    ASSERT_EQ(b.code, 0) << b.err.toStdString();
+    ProgramRun b = build({QStringLiteral("--runtime"), runtime});
+    ASSERT_EQ(b.exitCode, 0) << b.err.toStdString();
     EXPECT_TRUE(QFileInfo(image).isExecutable());
     QFile out(image);
     ASSERT_TRUE(out.open(QIODevice::ReadOnly));
@@ -94,8 +82,8 @@ TEST_F(BuildAndDump, TheDumpIsTheDesignThatWasBuilt)
     ASSERT_TRUE(rt.open(QIODevice::ReadOnly));
     EXPECT_TRUE(bytes.startsWith(rt.readAll())); // a copy of the run-time with the block behind it
 
-    Outcome d = run(QStringLiteral(FLATFORM_CLI_EXE), {QStringLiteral("dump-design"), image});
-    ASSERT_EQ(d.code, 0) << d.err.toStdString();
+    ProgramRun d = runProgram(QStringLiteral(FLATFORM_CLI_EXE), {QStringLiteral("dump-design"), image});
+    ASSERT_EQ(d.exitCode, 0) << d.err.toStdString();
     const QJsonDocument dumped = QJsonDocument::fromJson(d.out);
     ASSERT_TRUE(dumped.isObject()) << d.out.toStdString();
     Result<Design> expected = DesignJson::fromText(kDesign);
@@ -105,40 +93,40 @@ TEST_F(BuildAndDump, TheDumpIsTheDesignThatWasBuilt)
     EXPECT_EQ(dumped.object()[QStringLiteral("Fields")].toArray()[1].toObject()[QStringLiteral("FieldFormula")].toString(),
               QStringLiteral("F1*2"));
     // The dump is stable and never extracts the embedded pictures.
-    EXPECT_EQ(run(QStringLiteral(FLATFORM_CLI_EXE), {QStringLiteral("dump-design"), image}).out, d.out);
+    EXPECT_EQ(runProgram(QStringLiteral(FLATFORM_CLI_EXE), {QStringLiteral("dump-design"), image}).out, d.out);
     EXPECT_EQ(QDir(dir.filePath(QStringLiteral("out"))).entryList(QDir::Files), QStringList{QStringLiteral("recipes.exe")});
 
     // A damaged image: the same file cut inside its block.
     const QString damaged = dir.filePath(QStringLiteral("out/damaged.exe"));
     QByteArray cut = bytes.left(bytes.size() - 300) + bytes.right(4);
     writeFile(damaged, cut);
-    Outcome bad = run(QStringLiteral(FLATFORM_CLI_EXE), {QStringLiteral("dump-design"), damaged});
-    EXPECT_NE(bad.code, 0);
+    ProgramRun bad = runProgram(QStringLiteral(FLATFORM_CLI_EXE), {QStringLiteral("dump-design"), damaged});
+    EXPECT_NE(bad.exitCode, 0);
     EXPECT_TRUE(bad.out.isEmpty());
     EXPECT_TRUE(bad.err.contains("damaged.exe")) << bad.err.toStdString();
-    EXPECT_NE(run(QStringLiteral(FLATFORM_CLI_EXE), {QStringLiteral("dump-design"), runtime}).code, 0); // no block at all
+    EXPECT_NE(runProgram(QStringLiteral(FLATFORM_CLI_EXE), {QStringLiteral("dump-design"), runtime}).exitCode, 0); // no block at all
 }
 
 TEST_F(BuildAndDump, BadInputsGiveAMessageAndNoImage)
 {
     // No run-time beside the builder and none given.
-    Outcome noRuntime = build({QStringLiteral("--runtime"), dir.filePath(QStringLiteral("missing"))});
-    EXPECT_NE(noRuntime.code, 0);
+    ProgramRun noRuntime = build({QStringLiteral("--runtime"), dir.filePath(QStringLiteral("missing"))});
+    EXPECT_NE(noRuntime.exitCode, 0);
     EXPECT_TRUE(noRuntime.err.contains("run-time")) << noRuntime.err.toStdString();
 
     QFile::remove(dir.filePath(QStringLiteral("logo.gif")));
-    Outcome noPicture = build({QStringLiteral("--runtime"), runtime});
-    EXPECT_NE(noPicture.code, 0);
+    ProgramRun noPicture = build({QStringLiteral("--runtime"), runtime});
+    EXPECT_NE(noPicture.exitCode, 0);
     EXPECT_TRUE(noPicture.err.contains("logo.gif")) << noPicture.err.toStdString();
 
     writeFile(design, R"({"format": "flatform-design", "version": 1, "Fields": [{"MaxLength": "long"}]})");
-    Outcome badKey = build({QStringLiteral("--runtime"), runtime});
-    EXPECT_NE(badKey.code, 0);
+    ProgramRun badKey = build({QStringLiteral("--runtime"), runtime});
+    EXPECT_NE(badKey.exitCode, 0);
     EXPECT_TRUE(badKey.err.contains("Fields[0].MaxLength")) << badKey.err.toStdString();
 
     writeFile(design, "{ not json");
-    EXPECT_NE(build({QStringLiteral("--runtime"), runtime}).code, 0);
+    EXPECT_NE(build({QStringLiteral("--runtime"), runtime}).exitCode, 0);
     writeFile(design, R"({"format": "flatform-design", "version": 1, "BackgroundPicture": "../up.gif"})");
-    EXPECT_NE(build({QStringLiteral("--runtime"), runtime}).code, 0);
+    EXPECT_NE(build({QStringLiteral("--runtime"), runtime}).exitCode, 0);
     EXPECT_FALSE(QFile::exists(image));
 }

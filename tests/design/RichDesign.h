@@ -8,7 +8,7 @@
 #include <QByteArray>
 #include <QString>
 
-namespace ff::test {
+namespace ff::testsupport {
 
 // A fake executable head: varied bytes, including zeros and 0xFF, so that salts differ.
 inline QByteArray FakeHead(int size = 4096, uint32_t seed = 12345)
@@ -179,4 +179,4 @@ inline DesignWriter::Files RichFiles()
     return files;
 }
 
-} // namespace ff::test
+} // namespace ff::testsupport

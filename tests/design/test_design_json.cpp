@@ -11,7 +11,7 @@
 #include <QJsonDocument>
 
 using namespace ff;
-using namespace ff::test;
+using namespace ff::testsupport;
 
 namespace {
 

@@ -15,7 +15,7 @@
 #include <QtEndian>
 
 using namespace ff;
-using namespace ff::test;
+using namespace ff::testsupport;
 
 namespace {
 

@@ -3,6 +3,7 @@
 
 #include "design/DesignJson.h"
 #include "design/DesignReader.h"
+#include "support/Programs.h"
 
 #include <gtest/gtest.h>
 
@@ -10,11 +11,11 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
 using namespace ff;
+using namespace ff::testsupport;
 
 namespace {
 
@@ -52,14 +53,11 @@ TEST_P(IndependentWriter, EveryValueIsReadAtItsPlace)
     const bool hints = GetParam();
     QTemporaryDir dir;
     const QString image = dir.filePath(QStringLiteral("app.exe")), expectedPath = dir.filePath(QStringLiteral("expected.json"));
-    const QString script = qEnvironmentVariable("FLATFORM_SOURCE_DIR") + QStringLiteral("/tests/support/independent_design_writer.py");
-    QStringList args{script, image, expectedPath};
+    QStringList args{image, expectedPath};
     if (!hints)
         args << QStringLiteral("--no-hints");
-    QProcess python;
-    python.start(QStringLiteral("python3"), args);
-    ASSERT_TRUE(python.waitForFinished(60000));
-    ASSERT_EQ(python.exitCode(), 0) << python.readAllStandardError().toStdString();
+    const ProgramRun python = runSupportScript(QStringLiteral("independent_design_writer.py"), args);
+    ASSERT_EQ(python.exitCode, 0) << python.err.toStdString();
 
     QFile f(expectedPath);
     ASSERT_TRUE(f.open(QIODevice::ReadOnly));

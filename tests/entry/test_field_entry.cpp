@@ -1,8 +1,9 @@
 // Typing into text fields, combos, check fields and notes, and leaving them, through FieldEntry
 // with a recording host. The locale is pinned to en_US.
 
-#include "RecordingHost.h"
+#include "support/RecordingEntryHost.h"
 
+#include "core/FixedClock.h"
 #include "entry/FieldEntry.h"
 #include "formula/DateNumber.h"
 
@@ -11,7 +12,7 @@
 #include <memory>
 
 using namespace ff;
-using ff::test::RecordingHost;
+using ff::testsupport::RecordingEntryHost;
 
 namespace {
 
@@ -45,21 +46,20 @@ protected:
         design.SelectiveText[4] = QStringLiteral("0");
         design.SelectiveText[5] = QStringLiteral("99");
         page = std::make_unique<Page>(design);
-        entry = std::make_unique<FieldEntry>(*page, host, QLocale(QLocale::English, QLocale::UnitedStates),
-                                             [this] { return now; });
+        entry = std::make_unique<FieldEntry>(*page, host, QLocale(QLocale::English, QLocale::UnitedStates), clock);
     }
 
     QString typed(int index, const QString &keys)
     {
-        ff::test::typeInto(*entry, *page, index, keys);
+        ff::testsupport::typeInto(*entry, *page, index, keys);
         return page->FieldText[index];
     }
 
     Design design;
     std::unique_ptr<Page> page;
-    RecordingHost host;
+    RecordingEntryHost host;
     std::unique_ptr<FieldEntry> entry;
-    double now = NumberFromDate(QDate(2023, 3, 15), QTime(14, 5));
+    FixedClock clock{QDateTime(QDate(2023, 3, 15), QTime(14, 5))};
 };
 
 TEST_F(FieldEntryTest, NumberFieldsEvaluateWhatWasTypedOnLeaving)

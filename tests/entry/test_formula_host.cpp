@@ -1,7 +1,7 @@
 // The entry rules over the real formula library: typing, leaving and page buttons recalculate the
 // page through FormulaEntryHost. The locale is pinned to en_US.
 
-#include "RecordingHost.h"
+#include "support/RecordingEntryHost.h"
 
 #include "entry/FieldEntry.h"
 #include "entry/FormulaEntryHost.h"
@@ -17,7 +17,7 @@ using namespace ff;
 
 namespace {
 
-class PageHost : public FormulaEntryHost {
+class PageHost : public FormulaEntryHost, public testsupport::RecordingMessages {
 public:
     using FormulaEntryHost::FormulaEntryHost;
     QStringList calls;
@@ -42,7 +42,6 @@ public:
     {
         calls << QStringLiteral("open ") + target + QLatin1Char('|') + parameters;
     }
-    void showMessage(const QString &text) override { calls << QStringLiteral("message ") + text; }
 };
 
 class FormulaHostTest : public ::testing::Test {
@@ -67,7 +66,7 @@ protected:
         actions = std::make_unique<PageActions>(*page, *host, entry->state());
     }
 
-    void type(int index, const QString &keys) { ff::test::typeInto(*entry, *page, index, keys); }
+    void type(int index, const QString &keys) { ff::testsupport::typeInto(*entry, *page, index, keys); }
 
     Design design;
     FormulaContext context;

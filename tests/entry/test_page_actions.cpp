@@ -1,8 +1,9 @@
 // The action button, the stop watch, and labels, buttons and pictures that act, with a recording
 // host standing in for the record store, the formula language, the search and the desktop.
 
-#include "RecordingHost.h"
+#include "support/RecordingEntryHost.h"
 
+#include "core/FixedClock.h"
 #include "entry/FieldEntry.h"
 #include "entry/PageActions.h"
 #include "entry/TagRules.h"
@@ -12,7 +13,7 @@
 #include <memory>
 
 using namespace ff;
-using ff::test::RecordingHost;
+using ff::testsupport::RecordingEntryHost;
 
 namespace {
 
@@ -84,22 +85,22 @@ TEST(TagRulesTest, SearchCommandsAreRecognisedLikeTheSearchWindowDoes)
 
 TEST(StopWatchTest, CountsFromTheClickOnAFakeClock)
 {
-    double clock = 1000.0;
-    StopWatch watch([&clock] { return clock; });
+    FixedClock clock{QDateTime(QDate(2024, 1, 1), QTime(23, 59, 50))}; // the watch runs past midnight
+    StopWatch watch(clock);
     EXPECT_FALSE(watch.running());
     EXPECT_EQ(watch.tick(), QString());
     EXPECT_TRUE(watch.click(6));
     EXPECT_EQ(watch.field(), 6);
     EXPECT_EQ(watch.tick(), QStringLiteral("00:00:00"));
-    clock += 3723.9; // 1 h 2 min 3.9 s
+    clock.advance(3723900); // 1 h 2 min 3.9 s
     EXPECT_EQ(watch.tick(), QStringLiteral("01:02:03"));
     EXPECT_FALSE(watch.click(6));
     EXPECT_FALSE(watch.running());
     EXPECT_EQ(StopWatch::elapsedText(100 * 3600 + 59), QStringLiteral("100:00:59"));
     // A new start counts from the new click.
-    clock = 50;
+    clock.advance(50000);
     watch.click(7);
-    clock = 55;
+    clock.advance(5000);
     EXPECT_EQ(watch.tick(), QStringLiteral("00:00:05"));
 }
 
@@ -121,7 +122,7 @@ protected:
         design.Pictures[1].Stretch = true;
         page = std::make_unique<Page>(design);
         entry = std::make_unique<FieldEntry>(*page, host, QLocale(QLocale::English, QLocale::UnitedStates));
-        actions = std::make_unique<PageActions>(*page, host, entry->state(), [this] { return clock; });
+        actions = std::make_unique<PageActions>(*page, host, entry->state(), clock);
         host.tagFiller = [](QString text) {
             return text.replace(QLatin1String("F1:"), QLatin1String("Smith")).replace(QLatin1String("ID:"), QLatin1String("7"));
         };
@@ -144,10 +145,10 @@ protected:
 
     Design design;
     std::unique_ptr<Page> page;
-    RecordingHost host;
+    RecordingEntryHost host;
     std::unique_ptr<FieldEntry> entry;
     std::unique_ptr<PageActions> actions;
-    double clock = 0;
+    FixedClock clock{QDateTime(QDate(2024, 1, 1), QTime(12, 0))};
 };
 
 TEST_F(PageActionsTest, ActionButtonOpensAddressesAndExistingFiles)
@@ -175,16 +176,16 @@ TEST_F(PageActionsTest, ActionButtonOpensAddressesAndExistingFiles)
 TEST_F(PageActionsTest, StopWatchWritesIntoTheFieldThatStartedIt)
 {
     entry->fieldGotFocus(2);
-    clock = 10;
+    clock.advance(10000);
     EXPECT_TRUE(actions->actionButtonClicked());
-    clock = 75;
+    clock.advance(65000);
     entry->fieldGotFocus(1); // the focus moves on; the watch keeps its field
     actions->stopWatchTick();
     EXPECT_EQ(page->FieldText[2], QStringLiteral("00:01:05"));
     EXPECT_EQ(page->FieldText[1], QString());
     entry->fieldGotFocus(2);
     EXPECT_FALSE(actions->actionButtonClicked());
-    clock = 200;
+    clock.advance(125000);
     actions->stopWatchTick();
     EXPECT_EQ(page->FieldText[2], QStringLiteral("00:01:05"));
 }

@@ -1,25 +1,19 @@
 // RunFormulas over pages built in code: an invoice (line totals, tax, total, amount in words), and
 // the reference, target and function-form rules one by one.
 
+#include "core/FixedClock.h"
 #include "formula/DateNumber.h"
 #include "formula/FormulaEngine.h"
 #include "formula/SubstituteTags.h"
 
 #include "QtPrinters.h"
+#include "support/RecordingMessages.h"
 
 #include <gtest/gtest.h>
 
 using namespace ff;
 
 namespace {
-
-struct RecordingHost : FormulaHost {
-    QStringList messages;
-    void ShowMessage(const QString &caption, const QString &message, int colour) override
-    {
-        messages << caption + QLatin1Char('|') + message + QLatin1Char('|') + QString::number(colour);
-    }
-};
 
 // A design with `fields` text fields (1..n), 2 combos, 2 notes, checks 0..1 and labels 0..5.
 Design makeDesign(int fields)
@@ -51,7 +45,7 @@ struct Fixture {
         context.locale = QLocale(QLocale::English, QLocale::UnitedStates);
         context.host = &host;
         context.AppTitle = QStringLiteral("Invoices");
-        context.now = [] { return 45306.5; }; // 15 January 2024, noon
+        context.clock = &clock;
     }
     QString run(const QString &token)
     {
@@ -61,8 +55,9 @@ struct Fixture {
     }
     Design design;
     Page page;
+    FixedClock clock{QDateTime(QDate(2024, 1, 15), QTime(12, 0))}; // day number 45306.5
     FormulaContext context;
-    RecordingHost host;
+    testsupport::RecordingMessages host;
     FormulaEngine engine;
     Status last;
 };
@@ -292,7 +287,10 @@ TEST(RunStatement, MessagesNotesCombosAndChecks)
     Fixture f(makeDesign(1));
     f.run("msg=MSGBOX(1,000)");
     f.run("MsgBox=Hello_there,_you");
-    EXPECT_EQ(f.host.messages, (QStringList{"Invoices|1000|16744576", "Invoices|Hello_there,_you|16744576"}));
+    QStringList shown;
+    for (const auto &m : f.host.shown)
+        shown << m.caption + QLatin1Char('|') + m.text + QLatin1Char('|') + QString::number(m.colour);
+    EXPECT_EQ(shown, (QStringList{"Invoices|1000|16744576", "Invoices|Hello_there,_you|16744576"}));
     f.engine.RunFormulas();
     f.run("M2=a_b");
     EXPECT_EQ(f.page.NoteText[2], "a b");

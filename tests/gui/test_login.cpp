@@ -29,7 +29,7 @@ struct Session {
     // The design's administrator password "boss"; ann (read-only) and bob have names.
     explicit Session(bool names = true)
     {
-        Design d = testing::smallDesign();
+        Design d = testsupport::smallDesign();
         d.AppTitle = QStringLiteral("Shop");
         d.MainCap = QStringLiteral("Shop");
         d.AdminPassword = QStringLiteral("boss");

@@ -1,10 +1,10 @@
 // The first window over the shipped contacts design: every element where the design puts it, the
 // tabs of the pages in use, and a damaged design that still opens and says so.
 
-#include "ExampleImage.h"
 #include "gui/MainWindow.h"
 #include "gui/PageCanvas.h"
 #include "gui/Twips.h"
+#include "support/ExampleImage.h"
 
 #include <QFile>
 #include <QLabel>
@@ -31,8 +31,8 @@ private Q_SLOTS:
     void showsEveryElementAtItsDesignGeometry()
     {
         QTemporaryDir dir;
-        const auto built = fftest::buildExample(QStringLiteral("contacts"), dir.path());
-        DesignLoad load = fftest::loadImage(built.path);
+        const auto built = testsupport::buildExample(QStringLiteral("contacts"), dir.path());
+        DesignLoad load = testsupport::loadImage(built.path);
         QVERIFY2(load.complete(), qPrintable(load.error.text));
         QVERIFY(QFile::exists(dir.filePath(QStringLiteral("logo.gif")))); // extracted beside the image
 
@@ -85,7 +85,7 @@ private Q_SLOTS:
     void aDamagedDesignOpensWithWhatWasRead()
     {
         QTemporaryDir dir;
-        const auto built = fftest::buildExample(QStringLiteral("contacts"));
+        const auto built = testsupport::buildExample(QStringLiteral("contacts"));
         // Cut off the last quarter of the block and give it a tail that points at its start.
         const qsizetype blockSize = built.bytes.size() - built.headSize - 4;
         QByteArray cut = built.bytes.left(built.headSize + blockSize * 3 / 4);

@@ -2,16 +2,18 @@
 // records, new records with their defaults, formulas following the typing, a record another
 // process holds, and closing with and without saving.
 
-#include "ExampleImage.h"
+#include "core/FixedClock.h"
 #include "gui/MainWindowHost.h"
 #include "gui/MainWindow.h"
 #include "gui/PageCanvas.h"
 #include "store/Database.h"
 #include "toolkit/MessageWindow.h"
+#include "support/ExampleImage.h"
+#include "support/LockProbe.h"
 
 #include <QAbstractButton>
+#include <QLabel>
 #include <QLineEdit>
-#include <QProcess>
 #include <QPushButton>
 #include <QTabBar>
 #include <QTemporaryDir>
@@ -19,19 +21,21 @@
 #include <QtTest>
 
 using namespace ff;
+using namespace ff::testsupport;
 
 namespace {
 
 struct Opened {
     QTemporaryDir dir;
+    FixedClock clock{QDateTime(QDate(2024, 2, 29), QTime(9, 15))};
     std::unique_ptr<gui::MainWindow> window;
 };
 
 std::unique_ptr<Opened> openExample(const QString &name)
 {
     auto o = std::make_unique<Opened>();
-    const auto built = fftest::buildExample(name, o->dir.path());
-    o->window = std::make_unique<gui::MainWindow>(ParseCommandLine(built.path, {}), fftest::loadImage(built.path));
+    const auto built = buildExample(name, o->dir.path());
+    o->window = std::make_unique<gui::MainWindow>(ParseCommandLine(built.path, {}), loadImage(built.path), o->clock);
     o->window->show();
     o->window->activateWindow();
     if (!QTest::qWaitForWindowActive(o->window.get()))
@@ -68,11 +72,6 @@ struct MessageCatcher {
         timer.start();
     }
 };
-
-QString binary(const QString &name)
-{
-    return QDir(QString::fromLocal8Bit(qgetenv("FLATFORM_BINARY_DIR"))).filePath(QStringLiteral("bin/") + name);
-}
 
 } // namespace
 
@@ -112,6 +111,24 @@ private Q_SLOTS:
         QVERIFY(w.isVisible());
     }
 
+    // The status line's clock shows the window's clock and follows it on the next tick; the date
+    // the calendar opens on is the clock's today.
+    void theClockIsTheWindowsClock()
+    {
+        auto o = openExample(QStringLiteral("contacts"));
+        gui::MainWindow &w = *o->window;
+        QLabel *clock = nullptr;
+        for (QLabel *label : w.findChildren<QLabel *>())
+            if (label->accessibleName() == QLatin1String("Clock"))
+                clock = label;
+        QVERIFY(clock);
+        QVERIFY2(clock->text().contains(QLatin1String("29-February-2024")), qPrintable(clock->text()));
+        QVERIFY2(clock->text().contains(QLatin1String("9:15")), qPrintable(clock->text()));
+        o->clock.advance(qint64(15) * 3600 * 1000); // past midnight
+        QTRY_VERIFY2(clock->text().contains(QLatin1String("01-March-2024")), qPrintable(clock->text()));
+        QVERIFY2(clock->text().contains(QLatin1String("12:15")), qPrintable(clock->text()));
+    }
+
     void navigationAndNewRecords()
     {
         auto o = openExample(QStringLiteral("contacts"));
@@ -125,7 +142,7 @@ private Q_SLOTS:
         QCOMPARE(w.recordBox()->text(), QStringLiteral("3"));
         // A new record starts with its defaults: today in the short-date field, the birthday empty
         // (it asks to start empty), the newsletter box ticked.
-        QCOMPARE(field(w, 13)->text(), QDate::currentDate().toString(QStringLiteral("M/d/yyyy")));
+        QCOMPARE(field(w, 13)->text(), QStringLiteral("2/29/2024"));
         QVERIFY(field(w, 7)->text().isEmpty());
         QVERIFY(qobject_cast<QAbstractButton *>(w.canvas()->checkWidget(0))->isChecked());
 
@@ -173,11 +190,9 @@ private Q_SLOTS:
         w.navigationButton(0)->click(); // saves record 2, unlocks it
         const QString data = o->dir.filePath(QStringLiteral("Contacts.dat"));
 
-        QProcess holder;
-        holder.start(binary(QStringLiteral("ff_lock_holder")),
-                     {o->dir.filePath(QStringLiteral("contacts.exe")), data, QStringLiteral("2")});
-        QVERIFY(holder.waitForReadyRead(10000));
-        QCOMPARE(holder.readLine().trimmed(), QByteArray("locked"));
+        const int length = w.database().store().layout().RecordLength;
+        LockProbe holder;
+        QVERIFY(holder.hold(recordPlace(data, 2, length, defaultRecordsPerPart(length))));
 
         w.navigationButton(5)->click();
         QCOMPARE(w.database().store().CurrentRecord(), 2);
@@ -190,8 +205,7 @@ private Q_SLOTS:
         typeInto(w, 1, QStringLiteral("!"), 2);
         QCOMPARE(field(w, 1)->text(), QStringLiteral("One!"));
 
-        holder.write("\n");
-        QVERIFY(holder.waitForFinished(10000));
+        QVERIFY(holder.release());
         w.navigationButton(5)->click();
         typeInto(w, 3, QStringLiteral("acme"), 2);
         QCOMPARE(field(w, 3)->text(), QStringLiteral("acme"));
@@ -210,7 +224,7 @@ private Q_SLOTS:
             w.close(); // saves the dirty record, the field being typed in included
             const QString data = o->dir.filePath(QStringLiteral("Contacts.dat"));
             QVERIFY(QFile::exists(o->dir.filePath(QStringLiteral("contacts.cfg"))));
-            Database db(fftest::loadImage(o->dir.filePath(QStringLiteral("contacts.exe"))).design,
+            Database db(loadImage(o->dir.filePath(QStringLiteral("contacts.exe"))).design,
                         ParseCommandLine(o->dir.filePath(QStringLiteral("contacts.exe")), {}));
             db.DataFileName = data;
             QVERIFY(db.OpenDatabase(OpenMode::Open).ok());
@@ -232,7 +246,7 @@ private Q_SLOTS:
             QVERIFY(!w.isVisible());
             QVERIFY(!QFile::exists(o->dir.filePath(QStringLiteral("contacts.cfg"))));
             w.database().store().close();
-            Database db(fftest::loadImage(o->dir.filePath(QStringLiteral("contacts.exe"))).design,
+            Database db(loadImage(o->dir.filePath(QStringLiteral("contacts.exe"))).design,
                         ParseCommandLine(o->dir.filePath(QStringLiteral("contacts.exe")), {}));
             db.DataFileName = o->dir.filePath(QStringLiteral("Contacts.dat"));
             QVERIFY(db.OpenDatabase(OpenMode::Open).ok());
@@ -263,7 +277,7 @@ private Q_SLOTS:
         w.close();
         QVERIFY(!w.isVisible());
         QCOMPARE(messages.texts.size(), 1);
-        Database db(fftest::loadImage(o->dir.filePath(QStringLiteral("contacts.exe"))).design,
+        Database db(testsupport::loadImage(o->dir.filePath(QStringLiteral("contacts.exe"))).design,
                     ParseCommandLine(o->dir.filePath(QStringLiteral("contacts.exe")), {}));
         db.DataFileName = o->dir.filePath(QStringLiteral("Contacts.dat"));
         QVERIFY(db.OpenDatabase(OpenMode::Open).ok());

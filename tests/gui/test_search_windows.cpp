@@ -3,7 +3,6 @@
 // replace, find and replace on one field, the sort commands, a page button's silent line and a
 // stop during a long search.
 
-#include "ExampleImage.h"
 #include "core/SettingsStore.h"
 #include "entry/FieldEntry.h"
 #include "gui/SearchLineWindow.h"
@@ -13,6 +12,7 @@
 #include "gui/MainWindow.h"
 #include "gui/PageCanvas.h"
 #include "store/Database.h"
+#include "support/ExampleImage.h"
 #include "toolkit/WaitWindow.h"
 #include "toolkit/SortableList.h"
 #include "toolkit/MessageWindow.h"
@@ -36,35 +36,15 @@ namespace {
 // whose lines are a select and a count.
 QString writeNamedContacts(const QString &folder)
 {
-    QFile json(fftest::examplePath(QStringLiteral("contacts/contacts.json")));
-    if (!json.open(QIODevice::ReadOnly))
-        qFatal("no contacts example");
-    auto design = DesignJson::fromText(json.readAll());
-    if (!design)
-        qFatal("contacts: %s", qPrintable(design.error().text));
-    Design &d = *design;
-    d.Fields[1].Tag = QStringLiteral("first");
-    d.Fields[2].Tag = QStringLiteral("last");
-    d.Fields[3].Tag = QStringLiteral("company");
-    d.Fields[8].Tag = QStringLiteral("credit");
-    d.Fields[9].Tag = QStringLiteral("visits");
-    d.Finden3Caption = QStringLiteral("Find and &replace");
-    d.Buttons[1].ButtonScript = QStringLiteral("select first last where vip=1\r\ncount vip=1");
-    DesignWriter::Files files;
-    const QDir dir(fftest::examplePath(QStringLiteral("contacts")));
-    for (const QString &file : dir.entryList({QStringLiteral("*.gif")}, QDir::Files)) {
-        QFile f(dir.filePath(file));
-        if (f.open(QIODevice::ReadOnly))
-            files.insert(file, f.readAll());
-    }
-    auto image = DesignWriter::writeImage(d, QByteArray(4096, 'x'), files);
-    if (!image)
-        qFatal("image: %s", qPrintable(image.error().text));
-    const QString path = QDir(folder).filePath(QStringLiteral("contacts.exe"));
-    QFile out(path);
-    if (!out.open(QIODevice::WriteOnly) || out.write(*image) != image->size())
-        qFatal("cannot write the image");
-    return path;
+    return testsupport::buildExample(QStringLiteral("contacts"), folder, [](Design &d) {
+               d.Fields[1].Tag = QStringLiteral("first");
+               d.Fields[2].Tag = QStringLiteral("last");
+               d.Fields[3].Tag = QStringLiteral("company");
+               d.Fields[8].Tag = QStringLiteral("credit");
+               d.Fields[9].Tag = QStringLiteral("visits");
+               d.Finden3Caption = QStringLiteral("Find and &replace");
+               d.Buttons[1].ButtonScript = QStringLiteral("select first last where vip=1\r\ncount vip=1");
+           }).path;
 }
 
 struct Opened {
@@ -98,7 +78,7 @@ std::unique_ptr<Opened> openContacts()
 {
     auto o = std::make_unique<Opened>();
     const QString image = writeNamedContacts(o->dir.path());
-    o->window = std::make_unique<gui::MainWindow>(ParseCommandLine(image, {}), fftest::loadImage(image));
+    o->window = std::make_unique<gui::MainWindow>(ParseCommandLine(image, {}), testsupport::loadImage(image));
     gui::MainWindow &w = *o->window;
     w.show();
     w.activateWindow();
@@ -150,7 +130,7 @@ QString recordText(gui::MainWindow &w, int record, int fieldIndex)
 {
     if (!w.database().store().JumpToRecord(record))
         return QStringLiteral("(record %1 not shown)").arg(record);
-    w.host().recordShown();
+    w.host().announceRecordShown();
     return field(w, fieldIndex)->text();
 }
 

@@ -43,7 +43,7 @@ UserTable plainUsers()
 
 Design titledDesign()
 {
-    Design d = testing::smallDesign();
+    Design d = testsupport::smallDesign();
     d.AppTitle = QStringLiteral("Shop");
     return d;
 }

@@ -9,6 +9,7 @@
 #include "formula/DateNumber.h"
 #include "search/SearchEngine.h"
 #include "store/RecordStore.h"
+#include "support/RecordingMessages.h"
 #include "support/StoreDesigns.h"
 
 #include <QLocale>
@@ -16,7 +17,7 @@
 
 #include <gtest/gtest.h>
 
-namespace ff::testing {
+namespace ff::testsupport {
 
 inline const bool kSearchLocalePinned = [] {
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
@@ -80,18 +81,13 @@ struct Row {
     QString memo;
 };
 
-struct RecordingSearchHost : SearchHost {
-    QStringList messages;
-    void ShowMessage(const QString &, const QString &text) override { messages << text; }
-};
-
 // A database of the search design in a temporary folder.
 struct SearchDb {
     QTemporaryDir dir;
     Design design;
     Page page;
     RecordStore store;
-    RecordingSearchHost host;
+    RecordingMessages host;
 
     explicit SearchDb(bool scramble = false) : design(searchDesign(scramble)), page(design), store(design, page)
     {
@@ -124,4 +120,4 @@ struct SearchDb {
     }
 };
 
-} // namespace ff::testing
+} // namespace ff::testsupport

@@ -14,7 +14,7 @@
 #include <unistd.h>
 
 using namespace ff;
-using namespace ff::testing;
+using namespace ff::testsupport;
 
 namespace {
 
@@ -38,7 +38,7 @@ TEST_F(SearchEngineTest, SelectListsHitsNewestFirstWithTheirColumns)
     // "name" names the text field and the combo: a column token fills one slot per field it matches.
     EXPECT_EQ(r.rows, (QStringList{"3~anne~~100.00~berlin", "2~Bob~~99.99~Paris", "1~Anna~~12.50~Berlin"}));
     EXPECT_EQ(db.run(QStringLiteral("select pri* qty where price>99")).rows, (QStringList{"3~100.00~7", "2~99.99~1"}));
-    EXPECT_TRUE(db.host.messages.isEmpty()); // select shows no message
+    EXPECT_TRUE(db.host.texts().isEmpty()); // select shows no message
 
     SearchOptions forward;
     forward.forward = true;
@@ -85,7 +85,7 @@ TEST_F(SearchEngineTest, BareNameAndUnknownNames)
     // Conditions on unknown or global fields are dropped; with none left nothing runs.
     SearchResult unknown = db.run(QStringLiteral("count nothing>1 global=x"));
     EXPECT_FALSE(unknown.ran);
-    EXPECT_TRUE(db.host.messages.isEmpty());
+    EXPECT_TRUE(db.host.texts().isEmpty());
     EXPECT_EQ(db.run(QStringLiteral("count nothing>1 qty>2")).CountTotal, 2);
 }
 
@@ -118,18 +118,18 @@ TEST_F(SearchEngineTest, SumAddsBareNamesAndPassingTestsAndCountsTwice)
     EXPECT_FALSE(none.averageSet);
     EXPECT_EQ(none.message, QStringLiteral("Total: 0"));
     EXPECT_DOUBLE_EQ(context.SumAverage, -4);
-    EXPECT_EQ(db.host.messages.size(), 6);
+    EXPECT_EQ(db.host.texts().size(), 6);
 }
 
 TEST_F(SearchEngineTest, CountAndTheSilentFlag)
 {
     SearchResult r = db.run(QStringLiteral("count city=berlin"));
     EXPECT_EQ(r.CountTotal, 2);
-    EXPECT_EQ(db.host.messages, QStringList{"2 Total"});
+    EXPECT_EQ(db.host.texts(), QStringList{"2 Total"});
     SearchOptions silent;
     silent.silent = true;
     EXPECT_EQ(db.run(QStringLiteral("count qty>0"), silent).CountTotal, 3);
-    EXPECT_EQ(db.host.messages.size(), 1);
+    EXPECT_EQ(db.host.texts().size(), 1);
 }
 
 TEST_F(SearchEngineTest, PlainFindTermsAndComparisons)
@@ -226,7 +226,7 @@ TEST_F(SearchEngineTest, ReplaceWritesPreparedBytesAndSkipsHeldRecords)
     ::close(other);
     EXPECT_EQ(r.Replacements, 2);
     EXPECT_EQ(r.skippedLocked, 1);
-    EXPECT_EQ(db.host.messages, QStringList{"2 Replacements"});
+    EXPECT_EQ(db.host.texts(), QStringList{"2 Replacements"});
     EXPECT_TRUE(r.hits.isEmpty());
     EXPECT_EQ(db.run(QStringLiteral("select name price city where price=5.5")).rows,
               (QStringList{"4~Carl~~5.50~los angele", "1~Anna~~5.50~los angele"})); // lower-cased line, cut to the slot

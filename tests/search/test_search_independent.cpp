@@ -6,18 +6,18 @@
 #include "search/SearchFixture.h"
 
 #include "search/SortIndexBuilder.h"
-#include "store/StoreTestSupport.h"
+#include "support/Programs.h"
+#include "support/StoreFixture.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QRandomGenerator>
 
 #include <algorithm>
 
 using namespace ff;
-using namespace ff::testing;
+using namespace ff::testsupport;
 
 namespace {
 
@@ -74,12 +74,9 @@ protected:
         f.write(QJsonDocument(setup).toJson());
         f.close();
         dataFile = dir.filePath(QStringLiteral("ind.dat"));
-        QProcess p;
-        p.start(QStringLiteral("python3"), {QString::fromLocal8Bit(qgetenv("FLATFORM_SOURCE_DIR")) +
-                                                QStringLiteral("/tests/support/independent_record_writer.py"),
-                                            QStringLiteral("write"), layoutPath, dataFile});
-        ASSERT_TRUE(p.waitForFinished(60000));
-        ASSERT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+        const ProgramRun run =
+            runSupportScript(QStringLiteral("independent_record_writer.py"), {QStringLiteral("write"), layoutPath, dataFile});
+        ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
         ASSERT_TRUE(store.openFileSet(dataFile, OpenMode::Open, QString()).ok());
         ASSERT_EQ(store.RecordCount(), kRecords);
         ASSERT_GT(store.file().LastPart(), 10);

@@ -16,7 +16,7 @@
 #include <vector>
 
 using namespace ff;
-using namespace ff::testing;
+using namespace ff::testsupport;
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include "store/Database.h"
 #include "store/UserFile.h"
 #include "store/VariantFile.h"
-#include "store/StoreTestSupport.h"
+#include "support/StoreFixture.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,12 +14,12 @@
 #include <gtest/gtest.h>
 
 using namespace ff;
-using namespace ff::testing;
+using namespace ff::testsupport;
 
 namespace {
 
 struct Session {
-    RecordingHost host;
+    RecordingStoreHost host;
     Database db;
     Session(const QTemporaryDir &dir, Design d, const QStringList &args = {})
         : db(std::move(d), ParseCommandLine(dir.filePath(QStringLiteral("shop")), args), &host)
@@ -45,7 +45,7 @@ TEST(Database, MissingFileIsCreatedThenReopened)
         EXPECT_EQ(s.db.DataFileName, dir.filePath(QStringLiteral("Shop.dat")));
         s.db.DataFileName = dir.filePath(QStringLiteral("shop.dat"));
         ASSERT_TRUE(s.db.OpenDatabase(OpenMode::Open));
-        EXPECT_TRUE(s.host.messages.isEmpty());
+        EXPECT_TRUE(s.host.texts().isEmpty());
         EXPECT_EQ(s.db.store().RecordCount(), 1);
         EXPECT_EQ(s.db.store().RecordPictureFolder(), dir.filePath(QStringLiteral("ShopPics/")));
         EXPECT_TRUE(QFileInfo(s.db.store().RecordPictureFolder()).isDir());
@@ -114,8 +114,8 @@ TEST(Database, FileErrorsShowTheMessage)
     Session s(dir, fullDesign());
     s.db.DataFileName = dir.filePath(QStringLiteral("no/such/folder/x.dat"));
     EXPECT_FALSE(s.db.OpenDatabase(OpenMode::Open));
-    ASSERT_EQ(s.host.messages.size(), 1);
-    EXPECT_EQ(s.host.messages[0], QStringLiteral("File %1 not found").arg(s.db.DataFileName));
+    ASSERT_EQ(s.host.texts().size(), 1);
+    EXPECT_EQ(s.host.texts()[0], QStringLiteral("File %1 not found").arg(s.db.DataFileName));
 }
 
 TEST(UserFile, RoundTripInVariantForm)

@@ -1,24 +1,19 @@
 // Records written by an independent implementation of the format (a Python script written from the
 // format alone) read value for value, and records this store writes read back there.
 
-#include "store/StoreFixture.h"
+#include "support/Programs.h"
+#include "support/StoreFixture.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 
 #include <gtest/gtest.h>
 
 using namespace ff;
-using namespace ff::testing;
+using namespace ff::testsupport;
 
 namespace {
-
-QString script()
-{
-    return QString::fromLocal8Bit(qgetenv("FLATFORM_SOURCE_DIR")) + QStringLiteral("/tests/support/independent_record_writer.py");
-}
 
 // The stored elements of a design, as the script takes them.
 QJsonObject setupFor(const Design &d, int perPart)
@@ -56,11 +51,9 @@ QByteArray runScript(const QString &verb, const QJsonObject &setup, const QStrin
     f.open(QIODevice::WriteOnly);
     f.write(QJsonDocument(setup).toJson());
     f.close();
-    QProcess p;
-    p.start(QStringLiteral("python3"), {script(), verb, layoutPath, data});
-    p.waitForFinished(30000);
-    EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().constData();
-    return p.readAllStandardOutput();
+    const ProgramRun run = runSupportScript(QStringLiteral("independent_record_writer.py"), {verb, layoutPath, data});
+    EXPECT_EQ(run.exitCode, 0) << run.err.constData();
+    return run.out;
 }
 
 QJsonObject recordValues(int r)

@@ -2,12 +2,12 @@
 
 #include "core/Scramble.h"
 #include "store/RecordCodec.h"
-#include "store/StoreTestSupport.h"
+#include "support/StoreFixture.h"
 
 #include <gtest/gtest.h>
 
 using namespace ff;
-using namespace ff::testing;
+using namespace ff::testsupport;
 
 namespace {
 

@@ -1,22 +1,26 @@
 // The one-byte record lock between two users: two stores in one process (open-file-description
-// locks conflict between two descriptors of one process) and a second process.
+// locks conflict between two descriptors of one process) and a second process that knows only the
+// lock protocol (ff_lock_probe).
 
-#include "store/StoreFixture.h"
-
-#include <QCoreApplication>
-#include <QProcess>
+#include "support/LockProbe.h"
+#include "support/StoreFixture.h"
 
 #include <gtest/gtest.h>
 
 using namespace ff;
-using namespace ff::testing;
+using namespace ff::testsupport;
 
 namespace {
 
-QString probePath()
+constexpr int kSmallRecordLength = 17; // field 1 text 6, field 2 text 6, field 3 whole
+
+RecordPlace placeOf(const QString &data, int record, int perPart)
 {
-    return QString::fromLocal8Bit(qgetenv("FLATFORM_BINARY_DIR")) + QStringLiteral("/bin/ff_lock_probe");
+    return recordPlace(data, record, kSmallRecordLength, perPart);
 }
+
+// Field 1 of the small design as stored: the text padded with spaces to its 6 bytes.
+QByteArray field1(const QString &text) { return text.toLatin1().leftJustified(6, ' '); }
 
 QString storedText(const QString &data, int record)
 {
@@ -47,7 +51,7 @@ TEST(RecordLock, SecondUserSnapsBackWhileTheFirstEdits)
     EXPECT_EQ(b.text(), QStringLiteral("r3")); // ... and the text snaps back to the stored one
     EXPECT_FALSE(b.store.RecordDirty());
     EXPECT_FALSE(b.store.RecordLocked());
-    EXPECT_TRUE(b.host.messages.isEmpty());
+    EXPECT_TRUE(b.host.texts().isEmpty());
 
     // B can still read the record and lock another one.
     ASSERT_TRUE(b.store.JumpToRecord(4));
@@ -99,38 +103,40 @@ TEST(RecordLock, SecondProcessIsRefusedAndNothingIsLost)
     StoreUser a(smallDesign());
     ASSERT_TRUE(a.store.openFileSet(data, OpenMode::Open, QString()));
     ASSERT_TRUE(a.store.JumpToRecord(20));
+    EXPECT_FALSE(LockProbe::held(placeOf(data, 20, 16)));
     ASSERT_TRUE(a.store.LockRecord());
     a.page.FieldText[1] = QStringLiteral("mine");
 
-    QProcess edit;
-    edit.start(probePath(), {data, QStringLiteral("16"), QStringLiteral("edit"), QStringLiteral("20"), QStringLiteral("theirs")});
-    ASSERT_TRUE(edit.waitForFinished(10000));
-    EXPECT_EQ(edit.exitCode(), 3);
+    // The store holds the first byte of record 20, in its second part: the other user is refused.
+    EXPECT_TRUE(LockProbe::held(placeOf(data, 20, 16)));
+    EXPECT_FALSE(LockProbe::held(placeOf(data, 19, 16)));
+    EXPECT_FALSE(LockProbe::write({{placeOf(data, 20, 16), field1(QStringLiteral("theirs"))}}, false));
     EXPECT_EQ(storedText(data, 20), QStringLiteral("r20"));
     ASSERT_TRUE(a.store.PackRecord());
     EXPECT_EQ(storedText(data, 20), QStringLiteral("mine"));
+    EXPECT_FALSE(LockProbe::held(placeOf(data, 20, 16))); // saving let go of it
 
     // The other process holds record 21: this user's edit snaps back until it saves.
-    QProcess hold;
-    hold.start(probePath(), {data, QStringLiteral("16"), QStringLiteral("hold"), QStringLiteral("21"), QStringLiteral("held")});
-    ASSERT_TRUE(hold.waitForReadyRead(10000));
-    EXPECT_EQ(hold.readLine().trimmed(), QByteArray("locked"));
+    LockProbe hold;
+    ASSERT_TRUE(hold.hold(placeOf(data, 21, 16), field1(QStringLiteral("held"))));
     ASSERT_TRUE(a.store.JumpToRecord(21));
     a.page.FieldText[1] = QStringLiteral("typed");
     EXPECT_FALSE(a.store.LockRecord());
     EXPECT_EQ(a.text(), QStringLiteral("r21"));
-    hold.write("go\n");
-    hold.closeWriteChannel();
-    ASSERT_TRUE(hold.waitForFinished(10000));
-    EXPECT_EQ(hold.exitCode(), 0);
+    ASSERT_TRUE(hold.release());
     ASSERT_TRUE(a.store.JumpToRecord(21));
     EXPECT_EQ(a.text(), QStringLiteral("held"));
+    EXPECT_TRUE(a.store.LockRecord());
+    ASSERT_TRUE(a.store.PackRecord());
 
     // Both processes edit at once, across parts: odd records there, even records here. Exact
-    // multiples of the part size cannot be written (the writer's position is 0) and are skipped.
-    QProcess many;
-    many.start(probePath(), {data, QStringLiteral("16"), QStringLiteral("edits"), QStringLiteral("1"), QStringLiteral("2"),
-                             QStringLiteral("20"), QStringLiteral("o")});
+    // multiples of the part size cannot be written by the store (its position is 0) and are
+    // skipped; the other user writes where a reader looks for them.
+    QVector<LockProbe::Write> odd;
+    for (int k = 0; k < 20; ++k)
+        odd.append({placeOf(data, 1 + 2 * k, 16), field1(QStringLiteral("o%1").arg(k))});
+    LockProbe many;
+    many.startWrites(odd, true);
     for (int k = 0; k < 20; ++k) {
         const int record = 2 + 2 * k;
         if (record % 16 == 0)
@@ -140,8 +146,7 @@ TEST(RecordLock, SecondProcessIsRefusedAndNothingIsLost)
         a.page.FieldText[1] = QStringLiteral("e%1").arg(k);
         ASSERT_TRUE(a.store.PackRecord());
     }
-    ASSERT_TRUE(many.waitForFinished(30000));
-    EXPECT_EQ(many.exitCode(), 0) << many.readAllStandardError().constData();
+    ASSERT_TRUE(many.finishWrites());
     for (int k = 0; k < 20; ++k) {
         EXPECT_EQ(storedText(data, 1 + 2 * k), QStringLiteral("o%1").arg(k));
         const int even = 2 + 2 * k;

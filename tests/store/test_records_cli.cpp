@@ -3,14 +3,15 @@
 
 #include "design/DesignReader.h"
 #include "store/RecordLayout.h"
-#include "store/StoreFixture.h"
+#include "support/StoreFixture.h"
+#include "support/StoreFixture.h"
 
 #include <QProcess>
 
 #include <gtest/gtest.h>
 
 using namespace ff;
-using namespace ff::testing;
+using namespace ff::testsupport;
 
 namespace {
 

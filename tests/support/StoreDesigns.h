@@ -4,7 +4,7 @@
 
 #include "design/Design.h"
 
-namespace ff::testing {
+namespace ff::testsupport {
 
 inline FieldElement makeField(uint8_t type, int32_t maxLength = 0, int16_t page = 0)
 {
@@ -102,4 +102,4 @@ inline Design smallDesign(bool scramble = false)
     return d;
 }
 
-} // namespace ff::testing
+} // namespace ff::testsupport

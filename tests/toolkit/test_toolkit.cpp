@@ -1,5 +1,6 @@
 // The small shared windows: message band, wait window, calculator and calendar.
 
+#include "core/FixedClock.h"
 #include "toolkit/CalculatorEngine.h"
 #include "toolkit/CalendarWindow.h"
 #include "toolkit/WaitWindow.h"
@@ -124,7 +125,8 @@ private Q_SLOTS:
 
     void calendarPicksAndSteps()
     {
-        CalendarWindow clc(QDate(2026, 12, 15));
+        const ff::FixedClock clock(QDateTime(QDate(2026, 12, 15), QTime(23, 59)));
+        CalendarWindow clc(clock, QDate(2026, 12, 15));
         QCOMPARE(clc.yearList()->count(), 401);
         clc.stepMonth(1);
         QCOMPARE(clc.month(), 1);
@@ -141,6 +143,26 @@ private Q_SLOTS:
             }
         }
         QCOMPARE(clc.pickedDate(), QDate(2026, 11, 24));
+    }
+
+    // Without a start day the calendar opens on the clock's month, today in bold, and its years
+    // run from two hundred before the clock's year to two hundred after it.
+    void calendarTodayComesFromTheClock()
+    {
+        const ff::FixedClock clock(QDateTime(QDate(2031, 3, 9), QTime(0, 0, 1)));
+        CalendarWindow clc(clock);
+        QCOMPARE(clc.month(), 3);
+        QCOMPARE(clc.year(), 2031);
+        QCOMPARE(clc.yearList()->itemText(0), QStringLiteral("1831"));
+        QCOMPARE(clc.yearList()->itemText(400), QStringLiteral("2231"));
+        QStringList bold;
+        for (int i = 0; i < 42; ++i)
+            if (clc.dayCell(i)->font().bold())
+                bold << clc.dayCell(i)->text();
+        QCOMPARE(bold, QStringList{QStringLiteral("9")});
+        clc.stepMonth(1); // today is in no cell of April
+        for (int i = 0; i < 42; ++i)
+            QVERIFY(!clc.dayCell(i)->font().bold());
     }
 };
 

@@ -3,30 +3,48 @@
 // RecordFile: record r of a set with P records per part sits in part (r - 1) / P at the 1-based
 // position (r - P * part) * RecordLength.
 
+#include "core/FixedClock.h"
+#include "store/RecordFile.h"
 #include "store/RecordStore.h"
-#include "store/StoreTestSupport.h"
+#include "support/RecordingStoreHost.h"
+#include "support/RecordFileFormat.h"
+#include "support/StoreDesigns.h"
 
 #include <QFile>
+#include <QLocale>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-namespace ff::testing {
+namespace ff::testsupport {
+
+// Formats come from the default locale: pin it so that results are stable.
+inline const bool kLocalePinned = [] {
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    return true;
+}();
+
+// Small parts for the length of one test.
+struct SmallParts {
+    explicit SmallParts(int64_t perPart) { RecordFile::SetRecordsPerPartForTesting(perPart); }
+    ~SmallParts() { RecordFile::SetRecordsPerPartForTesting(0); }
+};
+
+// The moment every StoreUser's clock shows: 17 May 2024, 10:30, day number 45429.4375.
+inline QDateTime storeTestMoment() { return QDateTime(QDate(2024, 5, 17), QTime(10, 30)); }
 
 struct StoreUser {
     Design design;
     Page page;
-    RecordingHost host;
+    RecordingStoreHost host;
+    FixedClock clock{storeTestMoment()};
     RecordStore store;
-    explicit StoreUser(Design d) : design(std::move(d)), page(design), store(design, page, nullptr, &host) {}
+    explicit StoreUser(Design d) : design(std::move(d)), page(design), store(design, page, nullptr, &host)
+    {
+        store.setClock(clock);
+    }
     QString text(int field = 1) const { return page.FieldText[field]; }
 };
-
-inline QString partFileName(const QString &dataFile, int part)
-{
-    if (part == 0)
-        return dataFile;
-    return dataFile.left(dataFile.lastIndexOf(QLatin1Char('.'))) + QStringLiteral("%1").arg(part, 4, 10, QLatin1Char('0'));
-}
 
 // Writes `count` records of the small design: field 1 "r<n>", field 2 "p<part>", field 3 n.
 inline void writeSmallSet(const QString &dataFile, int count, int perPart)
@@ -48,4 +66,4 @@ inline void writeSmallSet(const QString &dataFile, int count, int perPart)
     }
 }
 
-} // namespace ff::testing
+} // namespace ff::testsupport

@@ -1,38 +1,29 @@
-#pragma once
-// Builds an app image from one of the shipped example designs into a folder, the way
-// flatform-build does, with a head of varied bytes standing in for the run-time.
+#include "support/ExampleImage.h"
 
 #include "design/DesignJson.h"
-#include "design/DesignReader.h"
 #include "design/DesignWriter.h"
+#include "support/Programs.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRandomGenerator>
 
-namespace fftest {
+namespace ff::testsupport {
 
-inline QString examplePath(const QString &relative)
-{
-    return QDir(QString::fromLocal8Bit(qgetenv("FLATFORM_SOURCE_DIR"))).filePath(QStringLiteral("examples/") + relative);
-}
+QString examplePath(const QString &relative) { return sourcePath(QStringLiteral("examples/") + relative); }
 
-struct ExampleImage {
-    QByteArray bytes;
-    qsizetype headSize = 0;
-    QString path; // where the image was written, when a folder was given
-};
-
-// `name` is "contacts" or "invoice"; the image is written to `folder`/<name>.exe when given.
-inline ExampleImage buildExample(const QString &name, const QString &folder = QString())
+ExampleImage buildExample(const QString &name, const QString &folder, const std::function<void(Design &)> &edit)
 {
     QFile json(examplePath(name + QLatin1Char('/') + name + QStringLiteral(".json")));
     if (!json.open(QIODevice::ReadOnly))
         qFatal("cannot open the example %s", qPrintable(name));
-    auto design = ff::DesignJson::fromText(json.readAll());
+    auto design = DesignJson::fromText(json.readAll());
     if (!design)
         qFatal("example %s: %s", qPrintable(name), qPrintable(design.error().text));
-    ff::DesignWriter::Files files;
+    if (edit)
+        edit(*design);
+    DesignWriter::Files files;
     const QDir dir(examplePath(name));
     for (const QString &file : dir.entryList({QStringLiteral("*.gif")}, QDir::Files)) {
         QFile f(dir.filePath(file));
@@ -43,7 +34,7 @@ inline ExampleImage buildExample(const QString &name, const QString &folder = QS
     QRandomGenerator rng(7);
     for (auto &b : head)
         b = static_cast<char>(rng.bounded(256));
-    auto image = ff::DesignWriter::writeImage(*design, head, files);
+    auto image = DesignWriter::writeImage(*design, head, files);
     if (!image)
         qFatal("writing the image failed: %s", qPrintable(image.error().text));
     ExampleImage out{*image, head.size(), QString()};
@@ -56,11 +47,11 @@ inline ExampleImage buildExample(const QString &name, const QString &folder = QS
     return out;
 }
 
-inline ff::DesignLoad loadImage(const QString &path)
+DesignLoad loadImage(const QString &path)
 {
-    ff::DesignReadOptions options;
+    DesignReadOptions options;
     options.extractFolder = QFileInfo(path).absolutePath();
-    return ff::ReadDesign(path, options);
+    return ReadDesign(path, options);
 }
 
-} // namespace fftest
+} // namespace ff::testsupport

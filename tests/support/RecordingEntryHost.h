@@ -1,9 +1,10 @@
 #pragma once
 // An EntryHost that writes down every call, for the entry tests. Each call adds one line to
-// `calls`, such as "navigate 2" or "open notepad.exe|a.txt".
+// `calls`, such as "navigate 2", "open notepad.exe|a.txt" or "message Error".
 
 #include "entry/EntryHost.h"
 #include "entry/FieldEntry.h"
+#include "support/RecordingMessages.h"
 
 #include <QSet>
 #include <QString>
@@ -11,9 +12,9 @@
 
 #include <functional>
 
-namespace ff::test {
+namespace ff::testsupport {
 
-class RecordingHost : public EntryHost {
+class RecordingEntryHost : public EntryHost, public RecordingMessages {
 public:
     bool readOnlyFlag = false;
     Status lockResult;                   // what lockRecord returns
@@ -55,7 +56,11 @@ public:
     {
         calls << QStringLiteral("open ") + target + QLatin1Char('|') + parameters;
     }
-    void showMessage(const QString &text) override { calls << QStringLiteral("message ") + text; }
+    void ShowMessage(const QString &caption, const QString &text, int colour) override
+    {
+        calls << QStringLiteral("message ") + text;
+        RecordingMessages::ShowMessage(caption, text, colour);
+    }
 
 private:
     Status run(const QString &kind, const QString &line)
@@ -78,4 +83,4 @@ inline void typeInto(FieldEntry &entry, Page &page, int index, const QString &ke
     entry.fieldLostFocus(index);
 }
 
-} // namespace ff::test
+} // namespace ff::testsupport

@@ -1,0 +1,31 @@
+#pragma once
+// Builds an app image from one of the shipped example designs into a folder, the way
+// flatform-build does, with a head of varied bytes standing in for the run-time.
+
+#include "design/DesignReader.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <functional>
+
+namespace ff::testsupport {
+
+// A file of examples/ in the source tree.
+QString examplePath(const QString &relative);
+
+struct ExampleImage {
+    QByteArray bytes;
+    qsizetype headSize = 0;
+    QString path; // where the image was written, when a folder was given
+};
+
+// `name` is "contacts" or "invoice"; the image is written to `folder`/<name>.exe when given.
+// `edit` may change the design first (names for fields, a button's lines).
+ExampleImage buildExample(const QString &name, const QString &folder = QString(),
+                          const std::function<void(Design &)> &edit = {});
+
+// Reads an image's design as the program does on start, its files extracted beside it.
+DesignLoad loadImage(const QString &path);
+
+} // namespace ff::testsupport
