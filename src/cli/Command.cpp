@@ -82,6 +82,16 @@ int Command::run(const QStringList &arguments, CommandIo &io)
     return execute(parser, io);
 }
 
+void Command::writeUtf8(QTextStream &out, const QByteArray &text)
+{
+    if (QIODevice *device = out.device()) {
+        out.flush();
+        device->write(text);
+    } else {
+        out << QString::fromUtf8(text);
+    }
+}
+
 int Command::usageError(CommandIo &io, const QString &why) const
 {
     if (!why.isEmpty())

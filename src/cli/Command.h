@@ -43,6 +43,9 @@ protected:
     // verb's options starts the positional ones: "eval -5+2" is an expression, not an option.
     void takeOptionsFirst() { optionsFirst_ = true; }
     virtual int execute(const QCommandLineParser &parser, CommandIo &io) = 0;
+    // Long output already in UTF-8: straight to the stream's device when it has one (no second
+    // conversion of a million lines), through the stream otherwise.
+    static void writeUtf8(QTextStream &out, const QByteArray &text);
     // "VERB: why" (when given) and the usage line on stderr; exit code 2.
     int usageError(CommandIo &io, const QString &why = QString()) const;
 

@@ -27,18 +27,28 @@ int EvalCommand::execute(const QCommandLineParser &parser, CommandIo &io)
     }
     if (!io.in)
         return 0;
-    // One result line per input line, in order; the bytes are taken one character each.
-    for (;;) {
-        QByteArray line = io.in->readLine();
-        if (line.isEmpty())
-            break; // the end of the input (an empty line still holds its line break)
-        if (line.endsWith('\n'))
-            line.chop(1);
+    // One result line per input line, in order; the bytes are taken one character each. The input
+    // is read in blocks (a read returns what has come so far, so a line typed alone is answered).
+    QByteArray pending;
+    auto evaluate = [&](QByteArray line) {
         if (line.endsWith('\r'))
             line.chop(1);
         QString expression = QString::fromLatin1(line);
         io.out << EvaluateToText(expression, separator) << '\n';
+    };
+    for (;;) {
+        const QByteArray block = io.in->read(64 * 1024);
+        if (block.isEmpty())
+            break; // the end of the input
+        pending += block;
+        qsizetype start = 0;
+        for (qsizetype end; (end = pending.indexOf('\n', start)) >= 0; start = end + 1)
+            evaluate(pending.mid(start, end - start));
+        pending.remove(0, start);
+        io.out.flush();
     }
+    if (!pending.isEmpty())
+        evaluate(pending); // the last line needs no line break
     return 0;
 }
 

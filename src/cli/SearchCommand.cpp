@@ -125,12 +125,12 @@ int SearchCommand::executeOn(CliDatabase &database, const QStringList &arguments
         writeJson(io.out, QJsonDocument(resultObject(result, engine, db)));
     } else if (result.command == CommandKind::Select || result.command == CommandKind::Find) {
         // Many rows: one write rather than a stream call per row.
-        QString text;
+        QByteArray text;
         for (const QString &row : result.rows) {
-            text += row;
-            text += QLatin1Char('\n');
+            text += row.toUtf8();
+            text += '\n';
         }
-        io.out << text;
+        writeUtf8(io.out, text);
     }
     const bool listed = result.command == CommandKind::Select || result.command == CommandKind::Find;
     if (listed && result.found > result.hits.size())

@@ -60,7 +60,7 @@ int SortCommand::executeOn(CliDatabase &database, const QStringList &arguments, 
         *end++ = '\n';
         text.append(buf, size_t(end - buf));
     }
-    io.out << QLatin1String(text.data(), qsizetype(text.size()));
+    writeUtf8(io.out, QByteArray::fromRawData(text.data(), qsizetype(text.size())));
     return 0;
 }
 
