@@ -13,7 +13,7 @@ int main(int argc, char **argv)
     QTextStream out(stdout);
     QTextStream err(stderr);
     QFile in;
-    if (!in.open(0, QIODevice::ReadOnly)) // descriptor 0: QFile buffers it and splits the lines itself
+    if (!in.open(0, QIODevice::ReadOnly)) // descriptor 0: plain reads of what has come, no stdio buffer
         err << "flatform-cli: standard input cannot be read\n";
     ff::cli::CommandIo io{out, err, in.isOpen() ? &in : nullptr};
     const int code = ff::cli::runCommandLine(app.arguments().mid(1), io);
