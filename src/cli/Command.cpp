@@ -1,5 +1,7 @@
 #include "cli/Command.h"
 
+#include <algorithm>
+
 namespace ff::cli {
 
 Command::Command(QString name, QString arguments, QString description)
@@ -72,6 +74,17 @@ int Command::run(const QStringList &arguments, CommandIo &io)
         if (k < words.size() && words[k] != QLatin1String("--"))
             words.insert(k, QStringLiteral("--"));
     }
+    // A minus before a number or a bracket is no option: such a word goes past the parser under
+    // a stand-in name that no option can have, and comes back in its place.
+    QStringList negative;
+    for (QString &w : words) {
+        if (w == QLatin1String("--"))
+            break;
+        if (w.size() > 1 && w.at(0) == QLatin1Char('-') && !w.at(1).isLetter() && w.at(1) != QLatin1Char('-')) {
+            negative.append(w);
+            w = QChar(0x1F) + QString::number(negative.size() - 1);
+        }
+    }
     // The parser takes the program's name first.
     if (!parser.parse(QStringList{QStringLiteral("flatform-cli")} + words))
         return usageError(io, parser.errorText());
@@ -79,7 +92,11 @@ int Command::run(const QStringList &arguments, CommandIo &io)
         io.out << helpText();
         return 0;
     }
-    return execute(parser, io);
+    QStringList positional = parser.positionalArguments();
+    for (QString &p : positional)
+        if (p.startsWith(QChar(0x1F)))
+            p = negative.value(p.mid(1).toInt());
+    return execute(parser, positional, io);
 }
 
 void Command::writeUtf8(QTextStream &out, const QByteArray &text)

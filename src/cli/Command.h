@@ -1,7 +1,8 @@
 #pragma once
 // One verb of flatform-cli. A verb declares its options and positional arguments once; run() parses
 // what follows the verb on the command line with QCommandLineParser, answers --help with the verb's
-// own help, and otherwise calls execute(). Output goes to `io.out`, errors to `io.err`, and the
+// own help, and otherwise calls execute(). A word that starts with a minus and then no letter
+// ("-5", "-(2)") is a positional argument, not an option. Output goes to `io.out`, errors to `io.err`, and the
 // return value is the process's exit code: 0 done, 1 failed, 2 a usage error.
 
 #include <QCommandLineOption>
@@ -42,7 +43,8 @@ protected:
     // Options only ahead of the first positional argument, and an argument that is not one of the
     // verb's options starts the positional ones: "eval -5+2" is an expression, not an option.
     void takeOptionsFirst() { optionsFirst_ = true; }
-    virtual int execute(const QCommandLineParser &parser, CommandIo &io) = 0;
+    // `arguments`: the positional arguments as they were given.
+    virtual int execute(const QCommandLineParser &parser, const QStringList &arguments, CommandIo &io) = 0;
     // Long output already in UTF-8: straight to the stream's device when it has one (no second
     // conversion of a million lines), through the stream otherwise.
     static void writeUtf8(QTextStream &out, const QByteArray &text);

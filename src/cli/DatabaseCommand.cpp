@@ -17,9 +17,9 @@ void DatabaseCommand::writeJson(QTextStream &out, const QJsonDocument &document)
     out << QString::fromUtf8(document.toJson(QJsonDocument::Indented));
 }
 
-int DatabaseCommand::execute(const QCommandLineParser &parser, CommandIo &io)
+int DatabaseCommand::execute(const QCommandLineParser &parser, const QStringList &positional, CommandIo &io)
 {
-    QStringList arguments = parser.positionalArguments();
+    QStringList arguments = positional;
     if (arguments.isEmpty())
         return usageError(io, QStringLiteral("no image given"));
     const QString image = arguments.takeFirst();

@@ -26,7 +26,7 @@ protected:
     static void writeJson(QTextStream &out, const QJsonDocument &document);
 
 private:
-    int execute(const QCommandLineParser &parser, CommandIo &io) final;
+    int execute(const QCommandLineParser &parser, const QStringList &arguments, CommandIo &io) final;
 
     QCommandLineOption dataOption_;
     QCommandLineOption jsonOption_;

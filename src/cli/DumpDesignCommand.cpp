@@ -11,9 +11,8 @@ DumpDesignCommand::DumpDesignCommand()
 {
 }
 
-int DumpDesignCommand::execute(const QCommandLineParser &parser, CommandIo &io)
+int DumpDesignCommand::execute(const QCommandLineParser &, const QStringList &args, CommandIo &io)
 {
-    const QStringList args = parser.positionalArguments();
     if (args.size() != 1)
         return usageError(io);
     // No extraction folder: a dump never writes the embedded files.

@@ -10,7 +10,7 @@ public:
     DumpDesignCommand();
 
 protected:
-    int execute(const QCommandLineParser &parser, CommandIo &io) override;
+    int execute(const QCommandLineParser &parser, const QStringList &arguments, CommandIo &io) override;
 };
 
 } // namespace ff::cli

@@ -16,10 +16,9 @@ EvalCommand::EvalCommand()
     takeOptionsFirst();
 }
 
-int EvalCommand::execute(const QCommandLineParser &parser, CommandIo &io)
+int EvalCommand::execute(const QCommandLineParser &, const QStringList &words, CommandIo &io)
 {
     const QString separator = QLocale::system().decimalPoint();
-    const QStringList words = parser.positionalArguments();
     if (!words.isEmpty()) {
         QString expression = words.join(QLatin1Char(' '));
         io.out << EvaluateToText(expression, separator) << '\n';

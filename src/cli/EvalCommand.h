@@ -12,7 +12,7 @@ public:
     EvalCommand();
 
 protected:
-    int execute(const QCommandLineParser &parser, CommandIo &io) override;
+    int execute(const QCommandLineParser &parser, const QStringList &arguments, CommandIo &io) override;
 };
 
 } // namespace ff::cli

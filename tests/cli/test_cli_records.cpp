@@ -81,6 +81,9 @@ TEST_F(ContactsCli, AddsChangesShowsAndClearsRecords)
     EXPECT_EQ(records({QStringLiteral("set"), QStringLiteral("2"), QStringLiteral("nosuchname=x")}).code, 2);
     EXPECT_EQ(records({QStringLiteral("set"), QStringLiteral("2"), QStringLiteral("birthday=not a date")}).code, 2);
     EXPECT_EQ(records({QStringLiteral("show"), QStringLiteral("9")}).code, 1);
+    const CliRun negative = records({QStringLiteral("show"), QStringLiteral("-1")}); // a number, not an option
+    EXPECT_EQ(negative.code, 1);
+    EXPECT_TRUE(negative.err.contains(QLatin1String("no record -1"))) << negative.err.toStdString();
     EXPECT_EQ(records({QStringLiteral("set"), QStringLiteral("9"), QStringLiteral("F1=x")}).code, 1);
     EXPECT_EQ(fileBytes(data), before);
 
