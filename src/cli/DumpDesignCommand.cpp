@@ -1,32 +1,28 @@
-// dump-design IMAGE: prints an app image's design as the readable design file.
+#include "cli/DumpDesignCommand.h"
 
-#include "cli/Command.h"
 #include "design/DesignJson.h"
 #include "design/DesignReader.h"
 
 namespace ff::cli {
 
-class DumpDesignCommand : public Command {
-public:
-    QString name() const override { return QStringLiteral("dump-design"); }
-    QString usage() const override { return QStringLiteral("dump-design IMAGE"); }
-    int run(const QStringList &args, QTextStream &out, QTextStream &err) override
-    {
-        if (args.size() != 1) {
-            err << "usage: flatform-cli " << usage() << "\n";
-            return 2;
-        }
-        // No extraction folder: a dump never writes the embedded files.
-        const DesignLoad load = ReadDesign(args.first(), DesignReadOptions{});
-        if (!load.complete()) {
-            err << "dump-design: " << args.first() << ": " << load.error.text << "\n";
-            return 1;
-        }
-        out << QString::fromUtf8(DesignJson::toText(load.design));
-        return 0;
-    }
-};
+DumpDesignCommand::DumpDesignCommand()
+    : Command(QStringLiteral("dump-design"), QStringLiteral("IMAGE"),
+              QStringLiteral("Prints the design of an app image as the readable design file (JSON)."))
+{
+}
 
-FF_REGISTER_COMMAND(DumpDesignCommand);
+int DumpDesignCommand::execute(const QCommandLineParser &, const QStringList &args, CommandIo &io)
+{
+    if (args.size() != 1)
+        return usageError(io);
+    // No extraction folder: a dump never writes the embedded files.
+    const DesignLoad load = ReadDesign(args.first(), DesignReadOptions{});
+    if (!load.complete()) {
+        io.err << name() << ": " << args.first() << ": " << load.error.text << "\n";
+        return 1;
+    }
+    io.out << QString::fromUtf8(DesignJson::toText(load.design));
+    return 0;
+}
 
 } // namespace ff::cli

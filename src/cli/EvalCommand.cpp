@@ -1,58 +1,54 @@
-// flatform-cli eval: the formula evaluator on its own, for scripts and for checking stored formulas.
+#include "cli/EvalCommand.h"
 
-#include "cli/Command.h"
 #include "formula/Evaluator.h"
 
 #include <QLocale>
 
-#include <cstdio>
-#include <string>
-
 namespace ff::cli {
 
-class EvalCommand : public Command {
-public:
-    QString name() const override { return QStringLiteral("eval"); }
-    QString usage() const override
-    {
-        return QStringLiteral("eval [EXPR]  (no EXPR: one expression per line from standard input)");
-    }
+EvalCommand::EvalCommand()
+    : Command(QStringLiteral("eval"), QStringLiteral("[EXPR...]"),
+              QStringLiteral("Evaluates a formula expression and prints its value.\n"
+                             "Without EXPR, evaluates one expression per line of standard input.\n"
+                             "An expression may start with a minus: "
+                             "\"eval -5+2\"; \"eval -- EXPR\" takes EXPR as it is, whatever it starts with."))
+{
+    takeOptionsFirst();
+}
 
-    int run(const QStringList &args, QTextStream &out, QTextStream &err) override
-    {
-        const QString separator = QLocale::system().decimalPoint();
-        if (!args.isEmpty()) {
-            QString expression = args.join(QLatin1Char(' '));
-            out << EvaluateToText(expression, separator) << '\n';
-            return 0;
-        }
-        // One result line per input line, in order. Plain stdio keeps thousands of lines fast.
-        std::string line;
-        std::string output;
-        int ch;
-        while (true) {
-            line.clear();
-            bool any = false;
-            while ((ch = std::getchar()) != EOF) {
-                any = true;
-                if (ch == '\n')
-                    break;
-                line.push_back(static_cast<char>(ch));
-            }
-            if (!any)
-                break;
-            if (!line.empty() && line.back() == '\r')
-                line.pop_back();
-            QString expression = QString::fromLatin1(line.data(), static_cast<qsizetype>(line.size()));
-            out << EvaluateToText(expression, separator) << '\n';
-            if (ch == EOF)
-                break;
-        }
-        (void)err;
+int EvalCommand::execute(const QCommandLineParser &, const QStringList &words, CommandIo &io)
+{
+    const QString separator = QLocale::system().decimalPoint();
+    if (!words.isEmpty()) {
+        QString expression = words.join(QLatin1Char(' '));
+        io.out << EvaluateToText(expression, separator) << '\n';
         return 0;
     }
-};
-
-FF_REGISTER_COMMAND(EvalCommand);
+    if (!io.in)
+        return 0;
+    // One result line per input line, in order; the bytes are taken one character each. The input
+    // is read in blocks (a read returns what has come so far, so a line typed alone is answered).
+    QByteArray pending;
+    auto evaluate = [&](QByteArray line) {
+        if (line.endsWith('\r'))
+            line.chop(1);
+        QString expression = QString::fromLatin1(line);
+        io.out << EvaluateToText(expression, separator) << '\n';
+    };
+    for (;;) {
+        const QByteArray block = io.in->read(64 * 1024);
+        if (block.isEmpty())
+            break; // the end of the input
+        pending += block;
+        qsizetype start = 0;
+        for (qsizetype end; (end = pending.indexOf('\n', start)) >= 0; start = end + 1)
+            evaluate(pending.mid(start, end - start));
+        pending.remove(0, start);
+        io.out.flush();
+    }
+    if (!pending.isEmpty())
+        evaluate(pending); // the last line needs no line break
+    return 0;
+}
 
 } // namespace ff::cli

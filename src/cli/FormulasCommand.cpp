@@ -1,73 +1,63 @@
-// formulas IMAGE N [--data FILE] [--set TAG=VALUE ...]
-//
-// Loads record N, puts the given values into the page as typing them would, runs the record's
-// formulas and prints every text field as the page shows it, one "F<n><tab>text" a line. Nothing is
-// written: it is a way to try formulas on real records from a script.
+#include "cli/FormulasCommand.h"
 
-#include "cli/Command.h"
 #include "cli/RecordAccess.h"
+#include "search/SearchNames.h"
 
 namespace ff::cli {
 
-class FormulasCommand : public Command {
-public:
-    QString name() const override { return QStringLiteral("formulas"); }
-    QString usage() const override
-    {
-        return QStringLiteral("formulas IMAGE N [--data FILE] [--set TAG=VALUE ...]");
-    }
+FormulasCommand::FormulasCommand()
+    : DatabaseCommand(QStringLiteral("formulas"), QStringLiteral("N"),
+                      QStringLiteral("Runs the formulas of record N and prints every text field; nothing is written.\n"
+                                     "The values given with --set go in first, as typing them would.")),
+      setOption_(QStringLiteral("set"),
+                 QStringLiteral("Puts VALUE into the element TAG first (a name from the tags, or F1, C1, K0, M1, P1)."),
+                 QStringLiteral("TAG=VALUE"))
+{
+    addOption(setOption_);
+}
 
-    int run(const QStringList &argsIn, QTextStream &out, QTextStream &err) override
-    {
-        QStringList args = argsIn;
-        QString dataFile;
-        QStringList sets;
-        for (qsizetype i = 0; i < args.size();) {
-            if ((args[i] == QLatin1String("--data") || args[i] == QLatin1String("--set")) && i + 1 < args.size()) {
-                if (args[i] == QLatin1String("--data"))
-                    dataFile = args[i + 1];
-                else
-                    sets.append(args[i + 1]);
-                args.remove(i, 2);
-            } else {
-                ++i;
-            }
-        }
-        bool ok = false;
-        const int record = args.size() == 2 ? args[1].toInt(&ok) : 0;
-        if (!ok) {
-            err << "usage: flatform-cli " << usage() << "\n";
-            return 2;
-        }
-        CliDatabase opened(err, name());
-        if (!opened.open(args[0], dataFile, false))
-            return 1;
-        Database &db = opened.db();
-        RecordStore &store = db.store();
-        if (record < 1 || record > store.RecordCount()) {
-            err << "formulas: no record " << record << " (the file holds " << store.RecordCount() << ")\n";
-            return 1;
-        }
-        const auto changes = parseAssignments(sets, db.design());
-        if (!changes) {
-            err << "formulas: " << changes.error().text << "\n";
-            return 2;
-        }
-        if (const Status moved = store.JumpToRecord(record); !moved) {
-            err << "formulas: record " << record << " could not be read: " << moved.error().text << "\n";
-            return 1;
-        }
-        if (const Status applied = applyAssignments(db, *changes, opened.context().locale); !applied) {
-            err << "formulas: " << applied.error().text << "\n";
-            return 2;
-        }
-        store.hooks().RunFormulas(db.page(), store.CurrentRecord());
-        for (const auto &v : fieldValues(db))
-            out << v.first << "\t" << escaped(v.second) << "\n";
+std::optional<CliDatabase::Access> FormulasCommand::access(const QStringList &arguments, const QCommandLineParser &) const
+{
+    if (arguments.size() != 1)
+        return std::nullopt;
+    return CliDatabase::Access::Read;
+}
+
+int FormulasCommand::executeOn(CliDatabase &database, const QStringList &arguments, const QCommandLineParser &parser,
+                               CommandIo &io)
+{
+    Database &db = database.db();
+    RecordStore &store = db.store();
+    bool ok = false;
+    const int record = arguments.first().toInt(&ok);
+    if (!ok || record < 1 || record > store.RecordCount()) {
+        io.err << name() << ": no record " << arguments.first() << " (the file holds " << store.RecordCount() << ")\n";
+        return 1;
+    }
+    const SearchNames names(db.design(), store.layout());
+    const auto changes = parseAssignments(parser.values(setOption_), db.design(), names);
+    if (!changes) {
+        io.err << name() << ": " << changes.error().text << "\n";
+        return 2;
+    }
+    if (const Status moved = store.JumpToRecord(record); !moved) {
+        io.err << name() << ": record " << record << " could not be read: " << moved.error().text << "\n";
+        return 1;
+    }
+    if (const Status applied = applyAssignments(db, *changes, database.context().locale); !applied) {
+        io.err << name() << ": " << applied.error().text << "\n";
+        return 2;
+    }
+    store.hooks().RunFormulas(db.page(), store.CurrentRecord());
+    const ShownValues values = fieldValues(db);
+    if (jsonWanted(parser)) {
+        writeJson(io.out, QJsonDocument(QJsonObject{{QStringLiteral("record"), record},
+                                                    {QStringLiteral("values"), valuesObject(values)}}));
         return 0;
     }
-};
-
-FF_REGISTER_COMMAND(FormulasCommand);
+    for (const auto &v : values)
+        io.out << v.first << "\t" << escaped(v.second) << "\n";
+    return 0;
+}
 
 } // namespace ff::cli

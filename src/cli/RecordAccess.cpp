@@ -1,40 +1,29 @@
 #include "cli/RecordAccess.h"
 
-#include "design/AppPaths.h"
-#include "design/DesignReader.h"
 #include "entry/FieldLeave.h"
 #include "formula/DateNumber.h"
-
-#include <QFileInfo>
+#include "search/SearchNames.h"
 
 namespace ff::cli {
 
-bool CliDatabase::open(const QString &image, const QString &dataFile, bool writes, bool mayCreate)
+static QChar kindLetter(SearchKind kind)
 {
-    const DesignLoad load = ReadDesign(image, DesignReadOptions{});
-    if (!load.complete()) {
-        host_.err << host_.verb << ": " << image << ": " << load.error.text << "\n";
-        return false;
+    switch (kind) {
+    case SearchKind::Field: return QLatin1Char('F');
+    case SearchKind::Combo: return QLatin1Char('C');
+    case SearchKind::Check: return QLatin1Char('K');
+    case SearchKind::Note: return QLatin1Char('M');
+    case SearchKind::Picture: return QLatin1Char('P');
+    case SearchKind::None: break;
     }
-    context_.AppTitle = load.design.MainCap;
-    db_ = std::make_unique<Database>(load.design, ParseCommandLine(QFileInfo(image).absoluteFilePath(), {}), &host_,
-                                     &hooks_);
-    context_.AppPath = db_->paths().AppFolder;
-    db_->start();
-    if (!dataFile.isEmpty())
-        db_->DataFileName = dataFile;
-    if ((!writes || !mayCreate) && !QFileInfo::exists(db_->DataFileName)) {
-        host_.err << host_.verb << ": no data file " << db_->DataFileName << "\n";
-        return false;
-    }
-    // Reading verbs never write, not even the first record of an empty file.
-    if (!writes)
-        db_->store().setViewOnly(true);
-    return db_->OpenDatabase(OpenMode::Open).ok();
+    return QChar();
 }
 
-Tag parseTag(const QString &text, const Design &d)
+Tag parseTag(const QString &text, const Design &d, const SearchNames &names)
 {
+    const SearchField named = names.lookup(text.trimmed().toLower());
+    if (named.valid())
+        return Tag{kindLetter(named.kind), named.index};
     Tag t;
     if (text.size() < 2)
         return t;
@@ -62,12 +51,12 @@ QString escaped(QString text)
     return text;
 }
 
-QList<QPair<QString, QString>> shownValues(Database &db)
+ShownValues shownValues(Database &db)
 {
     const Design &d = db.design();
     const RecordLayout &l = db.store().layout();
     Page &p = db.page();
-    QList<QPair<QString, QString>> out;
+    ShownValues out;
     for (size_t i = 1; i < d.Fields.size(); ++i)
         if (l.FieldOffset[i] && l.FieldSize[i] > 0)
             out.append({QStringLiteral("F%1").arg(i), p.FieldText[i]});
@@ -88,23 +77,31 @@ QList<QPair<QString, QString>> shownValues(Database &db)
     return out;
 }
 
-QList<QPair<QString, QString>> fieldValues(Database &db)
+ShownValues fieldValues(Database &db)
 {
-    QList<QPair<QString, QString>> out;
+    ShownValues out;
     for (size_t i = 1; i < db.design().Fields.size(); ++i)
         out.append({QStringLiteral("F%1").arg(i), db.page().FieldText[i]});
     return out;
 }
 
-Result<QList<Assignment>> parseAssignments(const QStringList &texts, const Design &d)
+QJsonObject valuesObject(const ShownValues &values)
+{
+    QJsonObject o;
+    for (const auto &[code, text] : values)
+        o.insert(code, QString(text).replace(QLatin1String("\r\n"), QLatin1String("\n")));
+    return o;
+}
+
+Result<QList<Assignment>> parseAssignments(const QStringList &texts, const Design &d, const SearchNames &names)
 {
     QList<Assignment> changes;
     for (const QString &a : texts) {
         const qsizetype eq = a.indexOf(QLatin1Char('='));
-        const Tag tag = eq > 0 ? parseTag(a.left(eq), d) : Tag{};
+        const Tag tag = eq > 0 ? parseTag(a.left(eq), d, names) : Tag{};
         if (tag.index < 0)
             return makeError(ErrorCode::Invalid,
-                             QStringLiteral("\"%1\" does not name an element of the record (F1, C1, K0, M1, P1 = value)").arg(a));
+                             QStringLiteral("\"%1\" does not name an element of the record (a name from the tags, or F1, C1, K0, M1, P1 = value)").arg(a));
         changes.append({tag, a.mid(eq + 1)});
     }
     return changes;

@@ -1,108 +1,184 @@
-// search IMAGE "LINE" [--data FILE] [--forward] [--match-case] [--field TAG] [--silent] [--one-thread]
-//
-// Runs a search line over an app image's data file as the results window would: select and the
-// plain find print their rows ("number~column~..."), sum, count and replace print their message.
-// --field names the element a plain find looks in (a name from the tags, or F1, C1, K0, M1, P1);
-// without it the find looks in field 1, the field that has the focus on start. --one-thread keeps
-// a long walk on one thread (it is split over two otherwise).
+#include "cli/SearchCommand.h"
 
-#include "cli/Command.h"
-#include "cli/RecordAccess.h"
 #include "search/SearchEngine.h"
 
-#include <cstdio>
+#include <QJsonArray>
+#include <QJsonObject>
 
 namespace ff::cli {
 
 namespace {
 
 struct PrintHost : MessageSink {
-    QTextStream &out;
-    explicit PrintHost(QTextStream &o) : out(o) {}
-    void ShowMessage(const QString &, const QString &text, int) override { out << text << "\n"; }
+    QTextStream *out; // null: messages go into the JSON document only
+    explicit PrintHost(QTextStream *o) : out(o) {}
+    void ShowMessage(const QString &, const QString &text, int) override
+    {
+        if (out)
+            *out << text << "\n";
+    }
 };
+
+bool replaces(const QString &line)
+{
+    return SearchParser::IsCommand(line) && line.trimmed().toLower().startsWith(QLatin1String("replace "));
+}
+
+QString commandName(CommandKind kind)
+{
+    switch (kind) {
+    case CommandKind::Select: return QStringLiteral("select");
+    case CommandKind::Sum: return QStringLiteral("sum");
+    case CommandKind::Replace: return QStringLiteral("replace");
+    case CommandKind::Count: return QStringLiteral("count");
+    case CommandKind::Find: break;
+    }
+    return QStringLiteral("find");
+}
+
+QString elementCode(const SearchField &f)
+{
+    static const char letters[] = " FCKMP";
+    return QLatin1Char(letters[int(f.kind)]) + QString::number(f.index);
+}
+
+// Why a line that the engine would pass over in silence does nothing.
+QString whyNothing(const CompiledQuery &query)
+{
+    if (query.command == CommandKind::Find)
+        return query.terms.isEmpty() ? QStringLiteral("the line has nothing to find")
+                                     : QStringLiteral("the element to find in holds no bytes in the record");
+    if (query.command == CommandKind::Select || query.command == CommandKind::Replace)
+        return QStringLiteral("the line has no condition after \"where\" that names a stored element");
+    return QStringLiteral("the line names no stored element to %1").arg(commandName(query.command));
+}
 
 } // namespace
 
-class SearchCommand : public Command {
-public:
-    QString name() const override { return QStringLiteral("search"); }
-    QString usage() const override
-    {
-        return QStringLiteral(
-            "search IMAGE \"LINE\" [--data FILE] [--forward] [--match-case] [--field TAG] [--silent] [--one-thread]");
+SearchCommand::SearchCommand()
+    : DatabaseCommand(QStringLiteral("search"), QStringLiteral("LINE"),
+                      QStringLiteral("Runs a search line as the search line window does.\n"
+                                     "Select and a plain find print their rows, sum, count and replace their message.\n"
+                                     "A line with a name that names no element, or with nothing to do, is refused\n"
+                                     "with the reason.")),
+      forwardOption_(QStringLiteral("forward"), QStringLiteral("Walks from the first record up.")),
+      matchCaseOption_(QStringLiteral("match-case"), QStringLiteral("Matches upper and lower case exactly.")),
+      fieldOption_(QStringLiteral("field"),
+                   QStringLiteral("The element a plain find looks in (a name from the tags, or F1, C1, K0, M1, P1)."),
+                   QStringLiteral("TAG")),
+      silentOption_(QStringLiteral("silent"), QStringLiteral("Shows no message, as a page button's line.")),
+      oneThreadOption_(QStringLiteral("one-thread"), QStringLiteral("Keeps a long walk on one thread."))
+{
+    addOption(forwardOption_);
+    addOption(matchCaseOption_);
+    addOption(fieldOption_);
+    addOption(silentOption_);
+    addOption(oneThreadOption_);
+}
+
+std::optional<CliDatabase::Access> SearchCommand::access(const QStringList &arguments, const QCommandLineParser &) const
+{
+    if (arguments.size() != 1)
+        return std::nullopt;
+    // Without TZ the C library looks at /etc/localtime again for every date it formats; naming
+    // the same file once keeps the zone and saves a file system call per listed date.
+    if (!qEnvironmentVariableIsSet("TZ"))
+        qputenv("TZ", ":/etc/localtime");
+    return replaces(arguments.first()) ? CliDatabase::Access::WriteExisting : CliDatabase::Access::Read;
+}
+
+int SearchCommand::executeOn(CliDatabase &database, const QStringList &arguments, const QCommandLineParser &parser,
+                             CommandIo &io)
+{
+    Database &db = database.db();
+    const QString &line = arguments.first();
+    SearchOptions options;
+    options.forward = parser.isSet(forwardOption_);
+    options.matchCase = parser.isSet(matchCaseOption_);
+    options.silent = parser.isSet(silentOption_);
+    if (parser.isSet(oneThreadOption_))
+        options.twoThreadsFrom = 0;
+
+    SearchEngine engine(db.store(), db.DecimalSeparator);
+    const QString fieldTag = parser.value(fieldOption_);
+    const SearchField focus =
+        fieldTag.isEmpty() ? engine.names().describe(SearchKind::Field, 1) : engine.names().byTag(fieldTag);
+    if (!fieldTag.isEmpty() && !focus.valid()) {
+        io.err << name() << ": no stored element " << fieldTag << "\n";
+        return 1;
+    }
+    const CompiledQuery query = engine.compile(line, options.matchCase, focus);
+    if (!query.unmatchedNames.isEmpty()) {
+        io.err << name() << ": \"" << query.unmatchedNames.join(QStringLiteral("\", \""))
+               << (query.unmatchedNames.size() == 1 ? "\" names" : "\" name") << " no stored element; nothing searched\n";
+        return 1;
+    }
+    if (!query.runnable() || (query.command == CommandKind::Find && !query.wholeRecord && !query.findField.valid())) {
+        io.err << name() << ": " << whyNothing(query) << "; nothing searched\n";
+        return 1;
     }
 
-    int run(const QStringList &argsIn, QTextStream &out, QTextStream &err) override
-    {
-        QStringList args = argsIn;
-        QString dataFile, fieldTag;
-        SearchOptions options;
-        for (qsizetype i = 0; i < args.size();) {
-            const QString &a = args.at(i);
-            if ((a == QLatin1String("--data") || a == QLatin1String("--field")) && i + 1 < args.size()) {
-                (a == QLatin1String("--data") ? dataFile : fieldTag) = args.at(i + 1);
-                args.remove(i, 2);
-            } else if (a == QLatin1String("--forward")) {
-                options.forward = true;
-                args.remove(i);
-            } else if (a == QLatin1String("--match-case")) {
-                options.matchCase = true;
-                args.remove(i);
-            } else if (a == QLatin1String("--one-thread")) {
-                options.twoThreadsFrom = 0;
-                args.remove(i);
-            } else if (a == QLatin1String("--silent")) {
-                options.silent = true;
-                args.remove(i);
-            } else {
-                ++i;
-            }
+    const bool json = jsonWanted(parser);
+    PrintHost host(json ? nullptr : &io.out);
+    const SearchResult result = engine.run(query, options, &host);
+    if (json) {
+        writeJson(io.out, QJsonDocument(resultObject(result, engine, db)));
+    } else if (result.command == CommandKind::Select || result.command == CommandKind::Find) {
+        // Many rows: one write rather than a stream call per row.
+        QByteArray text;
+        for (const QString &row : result.rows) {
+            text += row.toUtf8();
+            text += '\n';
         }
-        if (args.size() != 2) {
-            err << "usage: flatform-cli " << usage() << "\n";
-            return 2;
-        }
-        const QString line = args.at(1);
-        // Without TZ the C library looks at /etc/localtime again for every date it formats; naming
-        // the same file once keeps the zone and saves a file system call per listed date.
-        if (!qEnvironmentVariableIsSet("TZ"))
-            qputenv("TZ", ":/etc/localtime");
-        const bool writes = SearchParser::IsCommand(line) && line.trimmed().toLower().startsWith(QLatin1String("replace "));
-        CliDatabase opened(err, name());
-        if (!opened.open(args.at(0), dataFile, writes, false))
-            return 1;
-        Database *db = &opened.db();
-        if (writes && !db->store().writingAllowed()) {
-            err << "search: " << db->DataFileName << " is read-only; nothing replaced\n";
-            return 1;
-        }
-        SearchEngine engine(db->store(), db->DecimalSeparator);
-        SearchField focus = fieldTag.isEmpty() ? engine.names().describe(SearchKind::Field, 1) : engine.names().byTag(fieldTag);
-        if (!fieldTag.isEmpty() && !focus.valid()) {
-            err << "search: no stored element " << fieldTag << "\n";
-            return 1;
-        }
-        const CompiledQuery query = engine.compile(line, options.matchCase, focus);
-        PrintHost host(out);
-        const SearchResult result = engine.run(query, options, &host);
-        if (result.command == CommandKind::Select || result.command == CommandKind::Find) {
-            // Many rows: one buffered write rather than a stream call per row.
-            out.flush();
-            QByteArray text;
-            for (const QString &row : result.rows) {
-                text += row.toUtf8();
-                text += '\n';
-            }
-            std::fwrite(text.constData(), 1, size_t(text.size()), stdout);
-            std::fflush(stdout);
-            if (result.found > result.hits.size())
-                err << "search: " << result.found << " records found, " << result.hits.size() << " listed\n";
-        }
-        return 0;
+        writeUtf8(io.out, text);
     }
-};
+    const bool listed = result.command == CommandKind::Select || result.command == CommandKind::Find;
+    if (listed && result.found > result.hits.size())
+        io.err << name() << ": " << result.found << " records found, " << result.hits.size() << " listed\n";
+    return 0;
+}
 
-FF_REGISTER_COMMAND(SearchCommand);
+QJsonObject SearchCommand::resultObject(const SearchResult &result, const SearchEngine &engine, Database &db)
+{
+    QJsonObject o{{QStringLiteral("command"), commandName(result.command)}, {QStringLiteral("message"), result.message}};
+    switch (result.command) {
+    case CommandKind::Select:
+    case CommandKind::Find: {
+        QJsonArray columns;
+        for (int k = 0; k < result.columnCount; ++k)
+            columns.append(elementCode(result.columns[size_t(k)]));
+        // Each value on its own, read from the record again: a value may hold the row's "~".
+        QJsonArray rows;
+        for (const int record : result.hits) {
+            QJsonArray values;
+            const Result<QByteArray> plain = db.store().readPlainRecord(record);
+            for (int k = 0; plain && k < result.columnCount; ++k) {
+                const QString one = engine.rowText(record, reinterpret_cast<const uint8_t *>(plain->constData()),
+                                                   &result.columns[size_t(k)], 1);
+                values.append(one.mid(one.indexOf(QLatin1Char('~')) + 1));
+            }
+            rows.append(QJsonObject{{QStringLiteral("record"), record}, {QStringLiteral("values"), values}});
+        }
+        o.insert(QStringLiteral("found"), double(result.found));
+        o.insert(QStringLiteral("columns"), columns);
+        o.insert(QStringLiteral("rows"), rows);
+        break;
+    }
+    case CommandKind::Sum:
+        o.insert(QStringLiteral("total"), result.SumTotal);
+        o.insert(QStringLiteral("count"), double(result.sumCount));
+        if (result.averageSet)
+            o.insert(QStringLiteral("average"), result.SumAverage);
+        break;
+    case CommandKind::Count:
+        o.insert(QStringLiteral("count"), result.CountTotal);
+        break;
+    case CommandKind::Replace:
+        o.insert(QStringLiteral("replaced"), result.Replacements);
+        o.insert(QStringLiteral("skippedLocked"), result.skippedLocked);
+        break;
+    }
+    return o;
+}
 
 } // namespace ff::cli

@@ -1,78 +1,67 @@
-// sort IMAGE TAG [--data FILE] [--down]
-//
-// Builds the sort index of one element (a name from the tags, or F1, C1, K0, M1) and prints the
-// record numbers in its order, one a line: ascending, or from the end with --down.
+#include "cli/SortCommand.h"
 
-#include "cli/Command.h"
-#include "cli/RecordAccess.h"
 #include "search/SearchNames.h"
 #include "search/SortIndexBuilder.h"
-#include "store/Database.h"
+
+#include <QJsonArray>
 
 #include <charconv>
-#include <cstdio>
-#include <memory>
+#include <string>
 
 namespace ff::cli {
 
-class SortCommand : public Command {
-public:
-    QString name() const override { return QStringLiteral("sort"); }
-    QString usage() const override { return QStringLiteral("sort IMAGE TAG [--data FILE] [--down]"); }
+SortCommand::SortCommand()
+    : DatabaseCommand(QStringLiteral("sort"), QStringLiteral("TAG"),
+                      QStringLiteral("Prints the record numbers in the order of one element.\n"
+                                     "TAG is a name from the tags, or F1, C1, K0, M1; the order is that of the sort\n"
+                                     "of the search menu.")),
+      downOption_(QStringLiteral("down"), QStringLiteral("From the largest value down."))
+{
+    addOption(downOption_);
+}
 
-    int run(const QStringList &argsIn, QTextStream &out, QTextStream &err) override
-    {
-        QStringList args = argsIn;
-        QString dataFile;
-        bool down = false;
-        for (qsizetype i = 0; i < args.size();) {
-            if (args.at(i) == QLatin1String("--data") && i + 1 < args.size()) {
-                dataFile = args.at(i + 1);
-                args.remove(i, 2);
-            } else if (args.at(i) == QLatin1String("--down")) {
-                down = true;
-                args.remove(i);
-            } else {
-                ++i;
-            }
-        }
-        if (args.size() != 2) {
-            err << "usage: flatform-cli " << usage() << "\n";
-            return 2;
-        }
-        CliDatabase opened(err, name());
-        if (!opened.open(args.at(0), dataFile, false))
-            return 1;
-        Database *db = &opened.db();
-        RecordStore &store = db->store();
-        const SearchNames names(store.design(), store.layout());
-        const SearchField field = names.byTag(args.at(1));
-        if (!field.valid()) {
-            err << "sort: no stored element " << args.at(1) << "\n";
-            return 1;
-        }
-        const Status s = SortIndexBuilder::BuildSortIndex(store, field, down ? BrowseOrder::SortIndexDown : BrowseOrder::SortIndexUp);
-        if (!s) {
-            err << "sort: " << s.error().text << "\n";
-            return 1;
-        }
-        out.flush();
-        const QVector<int> &index = store.SortIndex();
-        std::string text;
-        text.reserve(size_t(index.size()) * 8);
-        char buf[16];
-        for (qsizetype k = 1; k < index.size(); ++k) {
-            const int r = down ? index[index.size() - k] : index[k];
-            char *end = std::to_chars(buf, buf + sizeof buf - 1, r).ptr;
-            *end++ = '\n';
-            text.append(buf, size_t(end - buf));
-        }
-        std::fwrite(text.data(), 1, text.size(), stdout);
-        std::fflush(stdout);
+std::optional<CliDatabase::Access> SortCommand::access(const QStringList &arguments, const QCommandLineParser &) const
+{
+    if (arguments.size() != 1)
+        return std::nullopt;
+    return CliDatabase::Access::Read;
+}
+
+int SortCommand::executeOn(CliDatabase &database, const QStringList &arguments, const QCommandLineParser &parser,
+                           CommandIo &io)
+{
+    RecordStore &store = database.db().store();
+    const SearchNames names(store.design(), store.layout());
+    const SearchField field = names.byTag(arguments.first());
+    if (!field.valid()) {
+        io.err << name() << ": no stored element " << arguments.first() << "\n";
+        return 1;
+    }
+    const bool down = parser.isSet(downOption_);
+    if (const Status s = SortIndexBuilder::BuildSortIndex(store, field, down ? BrowseOrder::SortIndexDown : BrowseOrder::SortIndexUp); !s) {
+        io.err << name() << ": " << s.error().text << "\n";
+        return 1;
+    }
+    const QVector<int> &index = store.SortIndex();
+    if (jsonWanted(parser)) {
+        QJsonArray records;
+        for (qsizetype k = 1; k < index.size(); ++k)
+            records.append(down ? index[index.size() - k] : index[k]);
+        writeJson(io.out, QJsonDocument(records));
         return 0;
     }
-};
-
-FF_REGISTER_COMMAND(SortCommand);
+    // A million numbers: made in one buffer and written at once.
+    std::string text;
+    text.reserve(size_t(index.size()) * 8);
+    char buf[16];
+    for (qsizetype k = 1; k < index.size(); ++k) {
+        const int r = down ? index[index.size() - k] : index[k];
+        char *end = std::to_chars(buf, buf + sizeof buf - 1, r).ptr;
+        *end++ = '\n';
+        text.append(buf, size_t(end - buf));
+    }
+    writeUtf8(io.out, QByteArray::fromRawData(text.data(), qsizetype(text.size())));
+    return 0;
+}
 
 } // namespace ff::cli

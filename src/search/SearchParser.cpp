@@ -125,8 +125,12 @@ void SearchParser::addCondition(CompiledQuery &q, QString token) const
     }
     ConditionRow row;
     row.field = names_.lookup(name.toLower());
-    if (!row.field.valid())
-        return; // an unknown name adds no row
+    if (!row.field.valid()) {
+        // An unknown name adds no row. "where" in a sum or count line is such a word on purpose.
+        if (name.toLower() != QLatin1String("where"))
+            q.unmatchedNames.append(name);
+        return;
+    }
     row.op = op;
     if (op != kOpName) {
         if (row.field.value == ValueKind::Text) {
@@ -183,8 +187,10 @@ void SearchParser::addReplacement(CompiledQuery &q, QString token) const
         return;
     ReplacementRow row;
     row.field = names_.lookup(token.left(at).toLower());
-    if (!row.field.valid())
+    if (!row.field.valid()) {
+        q.unmatchedNames.append(token.left(at));
         return;
+    }
     row.bytes = storedBytes(row.field, token.mid(at + 1));
     q.replacements.append(row);
 }
@@ -193,6 +199,8 @@ void SearchParser::addColumns(CompiledQuery &q, const QString &token) const
 {
     const QVector<SearchField> fields =
         token == QLatin1String("*") ? names_.defaultColumns() : names_.matching(tokenText(token).toLower());
+    if (fields.isEmpty())
+        q.unmatchedNames.append(tokenText(token));
     for (const SearchField &f : fields) {
         if (q.columnCount >= kColumnSlots)
             return;

@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 #include <array>
 #include <cstdint>
@@ -83,6 +84,10 @@ struct CompiledQuery {
     QVector<FindTerm> terms;
 
     bool matchCase = false;
+
+    // Names in the line that name no element (their rows were left out) and column patterns that
+    // match none, as the line gives them. The search goes on without them; a script wants to know.
+    QStringList unmatchedNames;
 
     // True when the walk has something to do: a command with condition rows, or a find with terms.
     bool runnable() const;
