@@ -20,7 +20,7 @@ public:
 
     int run(const QStringList &args, QTextStream &out, QTextStream &err) override
     {
-        const QString separator = QLocale::system().decimalPoint();
+        const QString separator = QLocale().decimalPoint();
         if (!args.isEmpty()) {
             QString expression = args.join(QLatin1Char(' '));
             out << EvaluateToText(expression, separator) << '\n';

@@ -4,6 +4,7 @@
 #include "design/DesignReader.h"
 #include "entry/FieldLeave.h"
 #include "formula/DateNumber.h"
+#include "formula/DateReader.h"
 
 #include <QFileInfo>
 

@@ -1,6 +1,7 @@
 // flatform-cli: the engine without a window, one verb per command.
 
 #include "cli/Command.h"
+#include "design/WorkingLocale.h"
 
 #include <QCoreApplication>
 #include <QLocale>
@@ -16,6 +17,7 @@ std::vector<CommandFactory> &commandRegistry()
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
+    ff::UseWorkingLocale();
     QTextStream out(stdout);
     QTextStream err(stderr);
     QStringList args = app.arguments().mid(1);

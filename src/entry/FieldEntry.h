@@ -25,7 +25,7 @@ public:
     // The present moment as a day number; the system clock when empty.
     using Now = std::function<double()>;
 
-    FieldEntry(Page &page, EntryHost &host, QLocale locale = QLocale::system(), Now now = Now());
+    FieldEntry(Page &page, EntryHost &host, QLocale locale = QLocale(), Now now = Now());
 
     EntryState &state() { return state_; }
     const EntryState &state() const { return state_; }
