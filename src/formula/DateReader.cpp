@@ -221,8 +221,8 @@ std::optional<double> DateReader::dayNumber(int year, int month, int day)
 std::optional<double> DateReader::readDatePart(const QString &text) const
 {
     const QList<Token> parts = tokens(text);
-    if (parts.isEmpty())
-        return std::nullopt;
+    if (parts.isEmpty() || parts.first().kind == Token::Separator)
+        return std::nullopt; // no date begins with a sign or a mark
     QStringList numbers;
     QStringList marks; // what stands between the numbers of a numeric date
     std::optional<int> month;
@@ -232,8 +232,6 @@ std::optional<double> DateReader::readDatePart(const QString &text) const
         case Token::Number:
             if (!numbers.isEmpty())
                 marks << pendingMarks;
-            else if (!pendingMarks.isEmpty() && !month)
-                return std::nullopt; // a numeric date does not begin with a sign or a mark
             numbers << t.text;
             pendingMarks.clear();
             break;
