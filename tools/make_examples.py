@@ -59,7 +59,8 @@ def base(title, caption, ext):
         "ScrollColor": rgb("C8D2DC"), "Pattern": 0, "TileMode": 0,
         "MessageText": message_texts(), "UiText": ui_texts(), "CaptionRun": CAPTION_RUN,
         "ChartTexts": ["Chart", "Count", "Sum", "Average", "Minimum", "Maximum", "Other"],
-        "SelectiveText": ["Yes", "No", "n/a", "Mr", "Ms", "Dr", "", "", "", "", "", ""],
+        # F1 to F11 fill from SelectiveText 1 to 11; entry 0 belongs to no key.
+        "SelectiveText": ["", "Yes", "No", "n/a", "Mr", "Ms", "Dr", "", "", "", "", ""],
         "SearchSetting": [0] * 11,
         "Aboutme": "About " + title, "AboutLabel1": title + ", a Flatform example",
         "Frame1Visible": True, "ExportingVisible": True, "MailIconVisible": True,

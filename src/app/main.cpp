@@ -3,6 +3,7 @@
 
 #include "design/AppPaths.h"
 #include "design/DesignReader.h"
+#include "design/WorkingLocale.h"
 #include "gui/MainWindow.h"
 
 #include <QApplication>
@@ -18,6 +19,7 @@ int main(int argc, char **argv)
 {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Flatform"));
+    ff::UseWorkingLocale();
 
     ff::AppPaths paths = ff::ParseCommandLine(QApplication::applicationFilePath(), app.arguments().mid(1));
     // The image is the program itself unless the command line names another one.

@@ -18,7 +18,7 @@ EvalCommand::EvalCommand()
 
 int EvalCommand::execute(const QCommandLineParser &, const QStringList &words, CommandIo &io)
 {
-    const QString separator = QLocale::system().decimalPoint();
+    const QString separator = QLocale().decimalPoint();
     if (!words.isEmpty()) {
         QString expression = words.join(QLatin1Char(' '));
         io.out << EvaluateToText(expression, separator) << '\n';

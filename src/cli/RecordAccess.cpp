@@ -3,6 +3,9 @@
 #include "entry/FieldLeave.h"
 #include "formula/DateNumber.h"
 #include "search/SearchNames.h"
+#include "formula/DateReader.h"
+
+#include <QFileInfo>
 
 namespace ff::cli {
 

@@ -1,6 +1,7 @@
 // flatform-cli: the engine without a window, one verb per command. The verbs live in ff_cli.
 
 #include "cli/CommandLine.h"
+#include "design/WorkingLocale.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -10,6 +11,7 @@
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
+    ff::UseWorkingLocale();
     QTextStream out(stdout);
     QTextStream err(stderr);
     QFile in;

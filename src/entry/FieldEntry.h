@@ -22,7 +22,7 @@ namespace ff {
 
 class FieldEntry {
 public:
-    FieldEntry(Page &page, EntryHost &host, QLocale locale = QLocale::system(), const Clock &clock = Clock::system());
+    FieldEntry(Page &page, EntryHost &host, QLocale locale = QLocale(), const Clock &clock = Clock::system());
 
     EntryState &state() { return state_; }
     const EntryState &state() const { return state_; }

@@ -1,6 +1,7 @@
 #include "entry/FieldLeave.h"
 
 #include "formula/DateNumber.h"
+#include "formula/DateReader.h"
 #include "formula/Evaluator.h"
 #include "formula/FieldFormat.h"
 #include "formula/NumberText.h"

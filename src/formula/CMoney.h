@@ -13,7 +13,7 @@ namespace ff {
 
 class CMoney {
 public:
-    explicit CMoney(const QLocale &locale = QLocale::system());
+    explicit CMoney(const QLocale &locale = QLocale());
 
     // `amount` is a number in the notation CleanNumber gives. More than two decimals are cut, not
     // rounded. A negative amount gives "Invalid Dollar Amount."; an amount that is no number, or

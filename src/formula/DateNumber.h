@@ -7,8 +7,6 @@
 #include <QLocale>
 #include <QString>
 
-#include <optional>
-
 namespace ff {
 
 // 1 January 100 to 31 December 9999.
@@ -20,11 +18,5 @@ bool IsDateNumber(double value);
 QDateTime DateFromNumber(double value);
 double NumberFromDate(const QDate &date, const QTime &time = QTime(0, 0));
 double NumberFromDateTime(const QDateTime &dateTime);
-
-// Reads a text as a date, as the system's date conversion does: a number is taken as a day number;
-// otherwise the short, medium, long and general forms of the locale, ISO dates and times of day
-// (alone or behind a date) are accepted. Two-digit years 00 to 29 are 2000 to 2029, 30 to 99 are
-// 1930 to 1999. No value for a text that is no date.
-std::optional<double> ReadDate(const QString &text, const QLocale &locale);
 
 } // namespace ff

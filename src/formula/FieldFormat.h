@@ -1,6 +1,6 @@
 #pragma once
 // The format codes of text fields (FieldType 0 to 23) and the number, currency and date texts
-// they produce, through the locale the caller passes (QLocale::system() in the program, en_US in
+// they produce, through the locale the caller passes (the working locale in the program, en_US in
 // tests).
 //
 //   0 text; 1 number as it converts to text; 2, 3, 4 number with that many decimals; 5 no decimals;

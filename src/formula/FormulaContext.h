@@ -21,7 +21,7 @@ constexpr int kFormulaMessageColour = kMessageColour;
 
 struct FormulaContext {
     // Number, date and currency settings; the decimal separator is the locale's.
-    QLocale locale = QLocale::system();
+    QLocale locale;
     QString DecimalSeparator() const { return locale.decimalPoint(); }
 
     // V0 to V99. Emptied at the start of every recalculation; they carry from field to field.

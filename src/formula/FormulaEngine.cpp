@@ -2,6 +2,7 @@
 
 #include "formula/Conditions.h"
 #include "formula/DateNumber.h"
+#include "formula/DateReader.h"
 #include "formula/Evaluator.h"
 #include "formula/FieldFormat.h"
 #include "formula/NumberText.h"

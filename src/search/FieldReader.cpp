@@ -1,6 +1,7 @@
 #include "search/FieldReader.h"
 
 #include "formula/DateNumber.h"
+#include "formula/DateReader.h"
 
 #include <cmath>
 #include <cstdlib>

@@ -2,6 +2,7 @@
 
 #include "core/Scramble.h"
 #include "formula/DateNumber.h"
+#include "formula/DateReader.h"
 #include "formula/NumberText.h"
 #include "search/FieldReader.h"
 

@@ -34,7 +34,7 @@ Calculator::Calculator(QWidget *parent) : QDialog(parent), readout_(new QLabel(t
     const int digitPos[10][2] = {{4, 0}, {3, 0}, {3, 1}, {3, 2}, {2, 0}, {2, 1}, {2, 2}, {1, 0}, {1, 1}, {1, 2}};
     for (int d = 0; d <= 9; ++d)
         add(QString::number(d), digitPos[d][0], digitPos[d][1], [this, d] { engine_.digit(d); });
-    add(QLocale::system().decimalPoint(), 4, 1, [this] { engine_.decimal(); });
+    add(QLocale().decimalPoint(), 4, 1, [this] { engine_.decimal(); });
     add(QStringLiteral("="), 4, 2, [this] { engine_.op(QLatin1Char('=')); });
     add(QStringLiteral("÷"), 1, 3, [this] { engine_.op(QChar(u'÷')); });
     add(QStringLiteral("×"), 2, 3, [this] { engine_.op(QChar(u'×')); });

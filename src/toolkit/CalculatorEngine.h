@@ -9,7 +9,7 @@ namespace ff::toolkit {
 
 class CalculatorEngine {
 public:
-    explicit CalculatorEngine(const QLocale &locale = QLocale::system());
+    explicit CalculatorEngine(const QLocale &locale = QLocale());
 
     void digit(int d);       // 0..9
     void decimal();          // the decimal sign, once per number

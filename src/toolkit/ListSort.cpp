@@ -1,6 +1,7 @@
 #include "toolkit/ListSort.h"
 
 #include "formula/DateNumber.h"
+#include "formula/DateReader.h"
 #include "formula/NumberText.h"
 
 #include <QLocale>

@@ -117,6 +117,27 @@ TEST_F(FieldEntryTest, DatesAreReadAndShownInTheFieldsForm)
     EXPECT_EQ(typed(10, QStringLiteral("0:00")), QStringLiteral("11:05 PM"));
 }
 
+TEST_F(FieldEntryTest, DatesAreReadInTheOrderOfTheEntrysLocale)
+{
+    const struct {
+        QLocale locale;
+        const char *typed;
+        QDate date;
+    } rows[] = {
+        // The C locale of servers and minimal installs reads as en_US: month first.
+        {QLocale::c(), "12/10/1815", QDate(1815, 12, 10)},
+        {QLocale(QLocale::German, QLocale::Germany), "1.2.03", QDate(2003, 2, 1)},
+        {QLocale(QLocale::English, QLocale::UnitedKingdom), "12/10/1815", QDate(1815, 10, 12)},
+    };
+    for (const auto &row : rows) {
+        FieldEntry local(*page, host, row.locale, clock);
+        ff::testsupport::typeInto(local, *page, 4, QString::fromUtf8(row.typed));
+        EXPECT_EQ(page->FieldDate[4], NumberFromDate(row.date)) << row.typed;
+        // Shown again as the locale's long date.
+        EXPECT_EQ(page->FieldText[4], row.locale.toString(row.date, QLocale::LongFormat)) << row.typed;
+    }
+}
+
 TEST_F(FieldEntryTest, TimesAreDigitsInFixedPlaces)
 {
     const auto seconds = [](int h, int m, int s) { return (h * 3600 + m * 60 + s) / 86400.0; };

@@ -2,6 +2,7 @@
 
 #include "formula/CMoney.h"
 #include "formula/DateNumber.h"
+#include "formula/DateReader.h"
 #include "formula/FieldFormat.h"
 #include "formula/SetFieldDefault.h"
 

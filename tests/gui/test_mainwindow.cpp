@@ -82,6 +82,29 @@ private Q_SLOTS:
         QVERIFY(shot.pixelColor(2, 2) != shot.pixelColor(40, 2) || shot.pixelColor(2, 2) != shot.pixelColor(2, 40));
     }
 
+    void functionKeysFillTheFieldWithTheExamplesTexts()
+    {
+        QTemporaryDir dir;
+        const auto built = testsupport::buildExample(QStringLiteral("contacts"), dir.path());
+        gui::MainWindow window(pathsIn(dir), testsupport::loadImage(built.path));
+        window.show();
+        window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        // A click in the company field puts the caret there; the keys go where the focus is.
+        auto *company = qobject_cast<QLineEdit *>(window.canvas()->fieldWidget(3));
+        QVERIFY(company);
+        QTest::mouseClick(company, Qt::LeftButton);
+        QCOMPARE(QApplication::focusWidget(), company);
+        const struct {
+            Qt::Key key;
+            const char *text;
+        } keys[] = {{Qt::Key_F1, "Yes"}, {Qt::Key_F2, "No"}, {Qt::Key_F3, "n/a"}, {Qt::Key_F6, "Dr"}};
+        for (const auto &k : keys) {
+            QTest::keyClick(QApplication::focusWidget(), k.key);
+            QCOMPARE(company->text(), QString::fromLatin1(k.text));
+        }
+    }
+
     void aDamagedDesignOpensWithWhatWasRead()
     {
         QTemporaryDir dir;

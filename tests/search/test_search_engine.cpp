@@ -149,6 +149,37 @@ TEST_F(SearchEngineTest, PlainFindTermsAndComparisons)
     EXPECT_EQ(find("1", "paid"), (QVector<int>{3, 1}));
 }
 
+TEST_F(SearchEngineTest, DateValuesAreReadInTheOrderOfTheSearchLocale)
+{
+    db.add({"Dora", "1.00", 1, QDate(1815, 12, 10), 0, "", "Rome", "", 0, ""});
+    const QLocale us(QLocale::English, QLocale::UnitedStates), gb(QLocale::English, QLocale::UnitedKingdom),
+        de(QLocale::German, QLocale::Germany), c = QLocale::c();
+    const struct {
+        const QLocale &locale;
+        const char *line;
+        const char *focus; // empty for a command
+        QVector<int> hits;
+    } rows[] = {
+        // The C locale reads as en_US: 1/6/2024 is 6 January. Carl's empty date is 0, after 1800.
+        {c, "select name where when>1/1/1800", "", {5, 4, 3, 2, 1}},
+        {c, "select name where when<1/6/2024 when>0", "", {2, 1}},
+        {us, "select name where when<1/6/2024 when>0", "", {2, 1}},
+        {gb, "select name where when<1/6/2024 when>0", "", {3, 2, 1}},
+        {de, "select name where when<1.6.2024 when>0", "", {3, 2, 1}},
+        {de, "select name where when<1.2.24 when>0", "", {2, 1}},
+        {c, "select name where when>=December~10,~1815 when<1/1/1816", "", {5}},
+        {c, "<1/1/1900", "when", {5, 4}},
+        {gb, "1/1/2024><31/3/2024", "when", {3, 1}},
+        {de, "05.01.2024", "when", {1}},
+    };
+    for (const auto &row : rows) {
+        SearchEngine e(db.store, row.locale.decimalPoint().at(0), row.locale);
+        const QString focus = *row.focus ? QString::fromLatin1(row.focus) : QStringLiteral("F1");
+        const CompiledQuery q = e.compile(QString::fromLatin1(row.line), false, e.names().byTag(focus));
+        EXPECT_EQ(e.run(q, {}, &db.host).hits, row.hits) << row.line << " in " << row.locale.name().toStdString();
+    }
+}
+
 TEST_F(SearchEngineTest, CapKeepsTheFirstRowsAndTheWalkGoesOn)
 {
     SearchOptions o;
