@@ -1,9 +1,12 @@
 #include "store/RecordStore.h"
 
+#include "store/AppendLock.h"
+
 #include <QDir>
 #include <QFile>
 
 #include <algorithm>
+#include <memory>
 
 namespace ff {
 
@@ -322,38 +325,81 @@ void RecordStore::blankPage()
         page_.TitleCaption[2] = design_.Titles[2].Caption + RecordCodec::RecordNumberText(CurrentRecord);
 }
 
+Status RecordStore::claimNewSlot(int64_t record)
+{
+    if (record < 2)
+        return {}; // record 1 is never locked: the header shares its slot
+    const RecordPosition p = file_.readPosition(record);
+    Status s;
+    if (file_.OpenPart() != p.part || !file_.isOpen())
+        s = file_.OpenRecordPart(p.part);
+    if (s)
+        s = file_.testRecordByte(p.position);
+    if (s)
+        s = file_.lockRecordByte(p.position);
+    if (!s)
+        return s;
+    // Locked, but written meanwhile by someone who has let it go again: not free either.
+    if (file_.lengthOfOpenPart() >= p.position - 1 + layout_.RecordLength) {
+        file_.unlockRecordByte(p.position);
+        return makeError(ErrorCode::PermissionDenied, QStringLiteral("record %1 was added by another user").arg(record));
+    }
+    return {};
+}
+
 Status RecordStore::NewRecord()
 {
     SaveIfDirty();
+    // Two users pressing New together each get a record of their own: copies of this program take
+    // turns through the append lock, and a slot whose byte another user holds (a new record being
+    // filled by a copy that does not take turns) is passed over for the next.
+    std::unique_ptr<AppendLock> turn;
+    if (writingAllowed())
+        turn = std::make_unique<AppendLock>(file_.partName(0));
     Status s = file_.OpenRecordPart(file_.LastPart());
     if (!s)
         return s;
     const int64_t perPart = file_.RecordsPerPart();
-    const int64_t n = perPart * file_.LastPart() + file_.lengthOfOpenPart() / layout_.RecordLength + 1;
-    if ((int64_t(2140000000) / perPart) * perPart < n) {
-        showMessage(QString::fromLatin1(kRecordLimitMessage));
-        return makeError(ErrorCode::Overflow, QString::fromLatin1(kRecordLimitMessage));
+    int64_t n = perPart * file_.LastPart() + file_.lengthOfOpenPart() / layout_.RecordLength + 1;
+    for (int tries = 0;; ++tries, ++n) {
+        if ((int64_t(2140000000) / perPart) * perPart < n || tries > 10000) {
+            showMessage(QString::fromLatin1(kRecordLimitMessage));
+            return makeError(ErrorCode::Overflow, QString::fromLatin1(kRecordLimitMessage));
+        }
+        if (n > (file_.LastPart() + 1) * perPart)
+            file_.setLastPart(file_.LastPart() + 1); // the write goes to a new part
+        if (!writingAllowed())
+            break;
+        const Status claimed = claimNewSlot(n);
+        if (claimed)
+            break;
+        if (claimed.error().code != ErrorCode::PermissionDenied)
+            return claimed;
     }
-    if (n > (file_.LastPart() + 1) * perPart)
-        file_.setLastPart(file_.LastPart() + 1); // the write goes to a new part
 
-    RecordCount += 1;
+    RecordCount = static_cast<int>(std::max<int64_t>(RecordCount + 1, n));
     if (SortMode != 0)
         SortIndex.push_back(RecordCount);
     CurrentRecord = RecordCount;
     ListPosition = RecordCount;
-    RecordLocked = false;
-    Status locked = LockRecord();
-    if (!locked && locked.error().code == ErrorCode::PermissionDenied)
-        return locked; // another user is already filling this slot
-
     RecordBuffer = QByteArray(layout_.RecordLength, ' ');
     blankPage();
     hooks_->RunFormulas(page_, CurrentRecord);
-    Status packed = PackRecord();
-    LockRecord(); // the new record stays in edit
+    // The new record is written at once, so that the next user counts it, and stays in edit: its
+    // lock is kept from the claim on, dirty and locked.
+    Status written;
+    if (writingAllowed()) {
+        Result<QByteArray> packed = codec_.pack(page_);
+        written = packed ? file_.writeRecord(CurrentRecord, *packed) : Status(packed.error());
+        if (packed)
+            RecordBuffer = *packed;
+    }
+    turn.reset();
+    RecordLocked = true;
+    RecordDirty = true;
+    yieldToEvents();
     page_.notifyAll();
-    return packed;
+    return written;
 }
 
 Status RecordStore::ClearRecord()

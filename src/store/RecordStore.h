@@ -88,6 +88,9 @@ public:
     static constexpr const char *kRecordLimitMessage = "Maximum Record Limited Reached";
 
 private:
+    // Takes the lock of a new record's slot when it is free and not yet written; PermissionDenied
+    // when another user holds or has written it.
+    Status claimNewSlot(int64_t record);
     void blankPage();
     void lockAllElements();
     void showMessage(const QString &text);

@@ -7,6 +7,9 @@
 //       edits field 1 of record N; exit 3 and "denied" when another user holds it.
 //   ff_lock_probe DATAFILE RECORDS_PER_PART edits FIRST STEP COUNT PREFIX
 //       edits records FIRST, FIRST+STEP, ... writing PREFIX and a counter, retrying while held.
+//   ff_lock_probe DATAFILE RECORDS_PER_PART news COUNT PREFIX
+//       presses New COUNT times, writing PREFIX and the counter into field 1 of each new record;
+//       exit 6 and "refused" when a New is refused.
 
 #include "store/RecordStore.h"
 #include "support/StoreDesigns.h"
@@ -80,6 +83,21 @@ int main(int argc, char **argv)
                 if (++tries > 2000)
                     return 5;
                 QThread::usleep(200);
+            }
+        }
+        std::printf("done\n");
+        return 0;
+    }
+    if (verb == QLatin1String("news") && args.size() >= 5) {
+        for (int k = 0; k < args[3].toInt(); ++k) {
+            if (!store.NewRecord()) {
+                std::printf("refused\n");
+                return 6;
+            }
+            page.FieldText[1] = args[4] + QString::number(k);
+            if (!store.PackRecord()) {
+                std::printf("failed\n");
+                return 1;
             }
         }
         std::printf("done\n");
