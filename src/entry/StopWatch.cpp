@@ -48,4 +48,10 @@ QString StopWatch::tick() const
     return elapsedText(clock_() - start_);
 }
 
+long long StopWatch::elapsedSeconds() const
+{
+    const double seconds = running_ ? clock_() - start_ : 0;
+    return seconds > 0 ? static_cast<long long>(std::floor(seconds)) : 0;
+}
+
 } // namespace ff

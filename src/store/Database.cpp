@@ -65,7 +65,7 @@ QString Database::recordPictureFolderFor(const QString &dataFileName) const
     return QDir(info.absolutePath()).filePath(name) + QLatin1Char('/');
 }
 
-Status Database::OpenDatabase(int mode)
+Status Database::OpenDatabase(int mode, const std::function<void()> &autoRun)
 {
     if (DataFileName.isEmpty())
         return makeError(ErrorCode::BadFileName, QStringLiteral("no data file name"));
@@ -92,6 +92,8 @@ Status Database::OpenDatabase(int mode)
     if (store.ViewOnlyMode)
         store.ReadOnlyMode = true; // a read-only user
 
+    // Errors 70, 53 and 75 show their message and the opening goes on with what it has: the
+    // records that can be read still show. The count's own overflow is recounted inside.
     Status opened = store.openFileSet(DataFileName, mode == 1, design_->MainCap);
     if (!opened) {
         const ErrorCode code = opened.error().code;
@@ -101,11 +103,15 @@ Status Database::OpenDatabase(int mode)
             if (host_)
                 host_->ShowMessage(design_->MainCap, text, 0);
         }
-        return opened;
     }
 
     store.RecordBuffer = QByteArray(store.layout().RecordLength, ' ');
-    if (mode == 0 && store.RecordCount == 0) {
+    // The auto-run button fires before the first record is shown.
+    if (design_->AutoRunButton == 1 && autoRun) {
+        store.RecordDirty = false;
+        autoRun();
+    }
+    if (mode == 0 && store.RecordCount == 0 && opened) {
         store.NewRecord();
         store.RecordCount = 1;
         store.PackRecord();
@@ -118,7 +124,8 @@ Status Database::OpenDatabase(int mode)
         if (store.writingAllowed() && store.file().OpenRecordPart(0))
             store.file().writeHeaderBytes(10, QByteArray(4, '\0'));
     }
-    return store.UnpackRecord();
+    Status shown = store.UnpackRecord();
+    return opened ? shown : opened;
 }
 
 Status Database::shutdown()

@@ -14,6 +14,7 @@
 #include "store/UserTable.h"
 
 #include <QString>
+#include <functional>
 #include <memory>
 
 namespace ff {
@@ -48,8 +49,11 @@ public:
     bool administrator() const { return administrator_; }
 
     // Opens (mode 0) or creates (mode 1) DataFileName and shows the first record. A missing file
-    // is created without a message; file errors show MessageText(1) with the name.
-    Status OpenDatabase(int mode);
+    // is created without a message. A file error (70, 53, 75) shows MessageText(1) with the name
+    // under the application's title, and the opening goes on with what it has; the first such
+    // error is returned. With AutoRunButton 1, `autoRun` (a press on button 0) runs before the
+    // first record is shown.
+    Status OpenDatabase(int mode, const std::function<void()> &autoRun = {});
 
     // Saves a dirty record, closes the files and rewrites the per-user file.
     Status shutdown();

@@ -10,6 +10,8 @@
 #include <QFile>
 #include <QRandomGenerator>
 
+#include <functional>
+
 namespace fftest {
 
 inline QString examplePath(const QString &relative)
@@ -24,7 +26,9 @@ struct ExampleImage {
 };
 
 // `name` is "contacts" or "invoice"; the image is written to `folder`/<name>.exe when given.
-inline ExampleImage buildExample(const QString &name, const QString &folder = QString())
+// `adjust`, when given, changes the design before it is written.
+inline ExampleImage buildExample(const QString &name, const QString &folder = QString(),
+                                 const std::function<void(ff::Design &)> &adjust = {})
 {
     QFile json(examplePath(name + QLatin1Char('/') + name + QStringLiteral(".json")));
     if (!json.open(QIODevice::ReadOnly))
@@ -32,6 +36,8 @@ inline ExampleImage buildExample(const QString &name, const QString &folder = QS
     auto design = ff::DesignJson::fromText(json.readAll());
     if (!design)
         qFatal("example %s: %s", qPrintable(name), qPrintable(design.error().text));
+    if (adjust)
+        adjust(*design);
     ff::DesignWriter::Files files;
     const QDir dir(examplePath(name));
     for (const QString &file : dir.entryList({QStringLiteral("*.gif")}, QDir::Files)) {
