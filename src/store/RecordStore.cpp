@@ -362,10 +362,12 @@ Status RecordStore::NewRecord()
     const int64_t perPart = file_.RecordsPerPart();
     int64_t n = perPart * file_.LastPart() + file_.lengthOfOpenPart() / layout_.RecordLength + 1;
     for (int tries = 0;; ++tries, ++n) {
-        if ((int64_t(2140000000) / perPart) * perPart < n || tries > 10000) {
+        if ((int64_t(2140000000) / perPart) * perPart < n) {
             showMessage(QString::fromLatin1(kRecordLimitMessage));
             return makeError(ErrorCode::Overflow, QString::fromLatin1(kRecordLimitMessage));
         }
+        if (tries > 10000)
+            return makeError(ErrorCode::PermissionDenied, QStringLiteral("no free slot for a new record"));
         if (n > (file_.LastPart() + 1) * perPart)
             file_.setLastPart(file_.LastPart() + 1); // the write goes to a new part
         if (!writingAllowed())
