@@ -30,8 +30,21 @@ bool PageActions::actionButtonClicked()
 
 void PageActions::stopWatchTick()
 {
-    if (stopWatch_.running())
-        page_.setFieldText(stopWatch_.field(), stopWatch_.tick());
+    if (!stopWatch_.running())
+        return;
+    const int field = stopWatch_.field();
+    if (field < 1 || field >= page_.FieldText.size())
+        return;
+    // The timed value is an edit like any typing: it marks the record changed and takes its lock,
+    // so that moving to another record saves it. A record another user holds stops the watch.
+    if (!host_.lockRecord()) {
+        stopWatch_.stop();
+        return;
+    }
+    // A time field stores its day number, not its text: the watch's time goes there as well.
+    const long long seconds = stopWatch_.elapsedSeconds();
+    page_.FieldDate[field] = static_cast<double>(seconds) / 86400.0;
+    page_.setFieldText(field, StopWatch::elapsedText(static_cast<double>(seconds)));
 }
 
 void PageActions::openTagText(const QString &tag)

@@ -24,7 +24,9 @@ public:
     // A file that is not there gives the " file not found" message and opens nothing. For the stop
     // watch, returns whether it runs now (the window enables its tick timer by it); otherwise false.
     bool actionButtonClicked();
-    // A tick of the stop watch timer: the running time goes into the field that started it.
+    // A tick of the stop watch timer: the running time goes into the field that started it, text
+    // and stored value, and the record is locked as by typing. Stops the watch when another user
+    // holds the record.
     void stopWatchTick();
     StopWatch &stopWatch() { return stopWatch_; }
 

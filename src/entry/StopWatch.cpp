@@ -30,4 +30,10 @@ QString StopWatch::tick() const
     return elapsedText(clock_->steadySeconds() - start_);
 }
 
+long long StopWatch::elapsedSeconds() const
+{
+    const double seconds = running_ ? clock_->steadySeconds() - start_ : 0;
+    return seconds > 0 ? static_cast<long long>(std::floor(seconds)) : 0;
+}
+
 } // namespace ff

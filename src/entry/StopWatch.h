@@ -23,6 +23,8 @@ public:
     // The text for the field at this tick: whole seconds since the start, two digits for each part
     // (hours grow past 99 as they must). Empty when the watch is stopped.
     QString tick() const;
+    // Whole seconds since the start; 0 when the watch is stopped.
+    long long elapsedSeconds() const;
     static QString elapsedText(double seconds);
 
 private:

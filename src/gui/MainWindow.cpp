@@ -203,8 +203,10 @@ void MainWindow::buildToolbar()
     actionButton_->setIcon(st->standardIcon(QStyle::SP_CommandLink));
     actionButton_->setAccessibleName(tr("Field action"));
     connect(actionButton_, &QToolButton::clicked, this, [this] {
-        if (actions_->actionButtonClicked())
+        if (actions_->actionButtonClicked()) {
+            stopWatchRecord_ = db_->store().CurrentRecord();
             stopWatchTimer_->start();
+        }
         else if (!actions_->stopWatch().running())
             stopWatchTimer_->stop();
     });
@@ -225,6 +227,7 @@ void MainWindow::buildToolbar()
     if (d.CaptionRun[1].isEmpty())
         create->setVisible(false);
     create->setObjectName(QStringLiteral("newin"));
+    createAction_ = create;
 
     stopWatchTimer_ = new QTimer(this);
     stopWatchTimer_->setInterval(1000);
@@ -380,19 +383,21 @@ void MainWindow::openData(OpenMode mode)
         recordShown();
         return;
     }
+    // The auto-run button (AutoRunButton 1) presses button 0 before the first record shows.
     // File errors have been shown by the database; the window shows what is on the page, and
     // the status line which file that is.
-    std::ignore = db_->OpenDatabase(mode);
+    std::ignore = db_->OpenDatabase(mode, [this] {
+        if (!design().Buttons.empty())
+            actions_->buttonPressed(0);
+    });
     binder_->setPictureFolder(db_->store().RecordPictureFolder(),
                               QPixmap(QDir(paths_.AppFolder).filePath(QStringLiteral("0.jpg"))));
     binder_->refreshAll();
+    // A read-only file or user: the writing commands are disabled, Create among them.
     const bool writable = db_->store().writingAllowed();
     newButton_->setEnabled(writable);
+    createAction_->setEnabled(writable);
     findActions_[3]->setVisible(writable && !design().Finden3Caption.isEmpty());
-    if (design().AutoRunButton == 1 && !design().Buttons.empty()) {
-        db_->store().markClean();
-        actions_->buttonPressed(0);
-    }
     recordShown();
 }
 
@@ -435,6 +440,12 @@ void MainWindow::chooseDataFile(bool create)
 void MainWindow::recordShown()
 {
     const RecordStore &s = db_->store();
+    // The stop watch times a field of its own record: another record on the page stops it (the
+    // timed record was saved on leaving).
+    if (actions_ && actions_->stopWatch().running() && s.CurrentRecord() != stopWatchRecord_) {
+        actions_->stopWatch().stop();
+        stopWatchTimer_->stop();
+    }
     context_.RecordCount = s.RecordCount();
     recordBox_->setText(QString::number(s.CurrentRecord()));
     QString text;

@@ -57,6 +57,8 @@ public:
     QLineEdit *recordBox() const { return recordBox_; }
     QToolButton *navigationButton(int i) const { return navigationButtons_[size_t(i)]; }
     QToolButton *newButton() const { return newButton_; }
+    QAction *createCommand() const { return createAction_; }
+    QToolButton *actionButton() const { return actionButton_; }
     QString statusText() const;
     FormulaContext &context() { return context_; }
     // Shared by the results windows and the find-and-replace window.
@@ -110,9 +112,11 @@ private:
     QLabel *clock_ = nullptr;
     std::array<QToolButton *, 6> navigationButtons_{};
     QToolButton *newButton_ = nullptr;
+    QAction *createAction_ = nullptr; // the Create command of the File menu
     QToolButton *actionButton_ = nullptr; // the action button of the focused field
     QLineEdit *recordBox_ = nullptr;
     QTimer *stopWatchTimer_ = nullptr; // the stop watch
+    int stopWatchRecord_ = 0;          // the record whose field the stop watch times
     QTimer *clockTimer_ = nullptr; // the clock
     QToolButton *searchButton_ = nullptr; // the search window's icon
     std::array<QAction *, 4> findActions_{};

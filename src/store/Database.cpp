@@ -66,7 +66,7 @@ QString Database::recordPictureFolderFor(const QString &dataFileName) const
     return QDir(info.absolutePath()).filePath(name) + QLatin1Char('/');
 }
 
-Status Database::OpenDatabase(OpenMode mode)
+Status Database::OpenDatabase(OpenMode mode, const std::function<void()> &autoRun)
 {
     if (DataFileName.isEmpty())
         return makeError(ErrorCode::BadFileName, QStringLiteral("no data file name"));
@@ -87,6 +87,8 @@ Status Database::OpenDatabase(OpenMode mode)
     store.setRecordPictureFolder(pictureFolder);
     const bool readOnlyFile = mode == OpenMode::Open && fileIsReadOnly(DataFileName);
 
+    // Errors 70, 53 and 75 show their message and the opening goes on with what it has: the
+    // records that can be read still show. The count's own overflow is recounted inside.
     Status opened = store.openFileSet(DataFileName, mode, design_->MainCap, readOnlyFile);
     if (!opened) {
         const ErrorCode code = opened.error().code;
@@ -96,9 +98,9 @@ Status Database::OpenDatabase(OpenMode mode)
             if (host_)
                 host_->ShowMessage(design_->MainCap, text, 0);
         }
-        return opened;
     }
-    return store.showFirstRecord(mode);
+    Status shown = store.showFirstRecord(mode, opened.ok(), autoRun);
+    return opened ? shown : opened;
 }
 
 Status Database::shutdown()

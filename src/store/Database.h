@@ -14,6 +14,7 @@
 #include "store/UserTable.h"
 
 #include <QString>
+#include <functional>
 #include <memory>
 
 namespace ff {
@@ -50,9 +51,12 @@ public:
     void applyLogin(int user, const QString &passwordBox);
     bool administrator() const { return administrator_; }
 
-    // Opens or creates DataFileName and shows the first record. A missing file
-    // is created without a message; file errors show MessageText(1) with the name.
-    Status OpenDatabase(OpenMode mode);
+    // Opens or creates DataFileName and shows the first record. A missing file is created
+    // without a message. A file error (70, 53, 75) shows MessageText(1) with the name under the
+    // application's title, and the opening goes on with what it has; the first such error is
+    // returned. With AutoRunButton 1, `autoRun` (a press on button 0) runs before the first record
+    // is shown.
+    Status OpenDatabase(OpenMode mode, const std::function<void()> &autoRun = {});
 
     // Saves a dirty record, closes the files and rewrites the per-user file. When the record
     // cannot be saved, nothing is closed and the save's error comes back.

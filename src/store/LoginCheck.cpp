@@ -14,9 +14,9 @@ LoginOutcome LoginCheck::check(const QString &passwordBox, const QString &nameBo
         return out;
     }
     for (int i = 0; i < kUserCount; ++i) {
-        // The administrator may have a password from the design and no name: entry 0 is always
-        // tried by password, other entries only when they have a name.
-        if (users_.UserName[i].isEmpty() && !(i == 0 && !users_.UserPassword[0].isEmpty()))
+        // Only entries with a name are tried, the administrator's entry 0 too: a password from
+        // the design opens nothing until the administrator has a name.
+        if (users_.UserName[i].isEmpty())
             continue;
         if (!passwordBox.isEmpty() && !users_.UserPassword[i].isEmpty()
             && passwordBox == DecodeText(users_.UserPassword[i], codePage_)) {
@@ -24,8 +24,7 @@ LoginOutcome LoginCheck::check(const QString &passwordBox, const QString &nameBo
             out.user = i;
             return out;
         }
-        if (!nameBox.isEmpty() && !users_.UserName[i].isEmpty()
-            && nameBox == DecodeText(users_.UserName[i], codePage_)) {
+        if (!nameBox.isEmpty() && nameBox == DecodeText(users_.UserName[i], codePage_)) {
             knownUser_ = i;
             out.askPassword = true;
             return out;

@@ -1,10 +1,13 @@
 #include "store/RecordStore.h"
 
+#include "store/AppendLock.h"
+
 #include <QDir>
 #include <QFile>
 
 #include <algorithm>
 #include <tuple>
+#include <memory>
 
 namespace ff {
 
@@ -113,12 +116,17 @@ Status RecordStore::openFileSet(const QString &dataFileName, OpenMode mode, cons
     return {};
 }
 
-Status RecordStore::showFirstRecord(OpenMode mode)
+Status RecordStore::showFirstRecord(OpenMode mode, bool fileOpened, const std::function<void()> &autoRun)
 {
     recordBuffer_ = QByteArray(layout_.RecordLength, ' ');
+    // The auto-run button fires before the first record is shown.
+    if (design_.AutoRunButton == 1 && autoRun) {
+        recordDirty_ = false;
+        autoRun();
+    }
     // An empty file or a new database starts with one blank record. When it cannot be written
     // (a read-only file) the blank page is shown all the same; a later save reports the fault.
-    if (mode == OpenMode::Open && recordCount_ == 0) {
+    if (mode == OpenMode::Open && recordCount_ == 0 && fileOpened) {
         std::ignore = NewRecord();
         recordCount_ = 1;
         std::ignore = PackRecord();
@@ -370,40 +378,83 @@ void RecordStore::blankPage()
         page_.TitleCaption[2] = design_.Titles[2].Caption + RecordCodec::RecordNumberText(currentRecord_);
 }
 
+Status RecordStore::claimNewSlot(int64_t record)
+{
+    if (record < 2)
+        return {}; // record 1 is never locked: the header shares its slot
+    const RecordPosition p = file_.readPosition(record);
+    Status s;
+    if (file_.OpenPart() != p.part || !file_.isOpen())
+        s = file_.OpenRecordPart(p.part);
+    if (s)
+        s = file_.testRecordByte(p.position);
+    if (s)
+        s = file_.lockRecordByte(p.position);
+    if (!s)
+        return s;
+    // Locked, but written meanwhile by someone who has let it go again: not free either.
+    if (file_.lengthOfOpenPart() >= p.position - 1 + layout_.RecordLength) {
+        std::ignore = file_.unlockRecordByte(p.position); // a lock left would only be dropped on close
+        return makeError(ErrorCode::PermissionDenied, QStringLiteral("record %1 was added by another user").arg(record));
+    }
+    return {};
+}
+
 Status RecordStore::NewRecord()
 {
-    std::ignore = SaveIfDirty(); // a failed save has been shown: the move goes on
+    std::ignore = SaveIfDirty(); // a failed save has been shown: the new record comes all the same
+    // Two users pressing New together each get a record of their own: copies of this program take
+    // turns through the append lock, and a slot whose byte another user holds (a new record being
+    // filled by a copy that does not take turns) is passed over for the next.
+    std::unique_ptr<AppendLock> turn;
+    if (writingAllowed())
+        turn = std::make_unique<AppendLock>(file_.partName(0));
     Status s = file_.OpenRecordPart(file_.LastPart());
     if (!s)
         return s;
     const int64_t perPart = file_.RecordsPerPart();
-    const int64_t n = perPart * file_.LastPart() + file_.lengthOfOpenPart() / layout_.RecordLength + 1;
-    if ((int64_t(2140000000) / perPart) * perPart < n) {
-        showMessage(QString::fromLatin1(kRecordLimitMessage));
-        return makeError(ErrorCode::Overflow, QString::fromLatin1(kRecordLimitMessage));
+    int64_t n = perPart * file_.LastPart() + file_.lengthOfOpenPart() / layout_.RecordLength + 1;
+    for (int tries = 0;; ++tries, ++n) {
+        if ((int64_t(2140000000) / perPart) * perPart < n) {
+            showMessage(QString::fromLatin1(kRecordLimitMessage));
+            return makeError(ErrorCode::Overflow, QString::fromLatin1(kRecordLimitMessage));
+        }
+        if (tries > 10000)
+            return makeError(ErrorCode::PermissionDenied, QStringLiteral("no free slot for a new record"));
+        if (n > (file_.LastPart() + 1) * perPart)
+            file_.setLastPart(file_.LastPart() + 1); // the write goes to a new part
+        if (!writingAllowed())
+            break;
+        const Status claimed = claimNewSlot(n);
+        if (claimed)
+            break;
+        if (claimed.error().code != ErrorCode::PermissionDenied)
+            return claimed;
     }
-    if (n > (file_.LastPart() + 1) * perPart)
-        file_.setLastPart(file_.LastPart() + 1); // the write goes to a new part
 
-    recordCount_ += 1;
+    recordCount_ = static_cast<int>(std::max<int64_t>(recordCount_ + 1, n));
     if (browseOrder_ != BrowseOrder::FileOrder)
         sortIndex_.push_back(recordCount_);
     currentRecord_ = recordCount_;
     listPosition_ = recordCount_;
-    recordLocked_ = false;
-    Status locked = LockRecord();
-    if (!locked && locked.error().code == ErrorCode::PermissionDenied)
-        return locked; // another user is already filling this slot
-
     recordBuffer_ = QByteArray(layout_.RecordLength, ' ');
     blankPage();
     hooks_->RunFormulas(page_, currentRecord_);
-    Status packed = PackRecord();
-    // The new record stays in edit. The slot has just been written: a refusal here means another
-    // user has opened it since, and the page then shows it as stored.
-    std::ignore = LockRecord();
+    // The new record is written at once, so that the next user counts it, and stays in edit: its
+    // lock is kept from the claim on, dirty and locked.
+    Status written;
+    if (writingAllowed()) {
+        Result<QByteArray> packed = codec_.pack(page_);
+        written = packed ? file_.writeRecord(currentRecord_, *packed) : Status(packed.error());
+        if (packed)
+            recordBuffer_ = *packed;
+    }
+    turn.reset();
+    recordLocked_ = true;
+    recordDirty_ = true;
+    yieldToEvents();
     page_.notifyAll();
-    return packed;
+    return written;
 }
 
 Status RecordStore::ClearRecord()

@@ -19,6 +19,8 @@
 #include <QString>
 #include <QVector>
 
+#include <functional>
+
 namespace ff {
 
 // The order in which the navigation walks the records.
@@ -97,7 +99,9 @@ public:
     Status openFileSet(const QString &dataFileName, OpenMode mode, const QString &title, bool readOnlyFile = false);
     // After openFileSet: an empty file gets its first record, a new database its first record and
     // a cleared picture number; then record 1 is on the page.
-    Status showFirstRecord(OpenMode mode);
+    // `fileOpened` false: the opening failed and goes on with what it has, so no blank record is
+    // added. With AutoRunButton 1, `autoRun` runs before the first record is shown.
+    Status showFirstRecord(OpenMode mode, bool fileOpened, const std::function<void()> &autoRun = {});
     void close();
 
     Status PackRecord();
@@ -130,6 +134,9 @@ public:
     static constexpr const char *kRecordLimitMessage = "Maximum Record Limited Reached";
 
 private:
+    // Takes the lock of a new record's slot when it is free and not yet written; PermissionDenied
+    // when another user holds or has written it.
+    Status claimNewSlot(int64_t record);
     void blankPage();
     void lockAllElements();
     void showMessage(const QString &text);

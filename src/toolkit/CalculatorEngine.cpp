@@ -1,7 +1,5 @@
 #include "toolkit/CalculatorEngine.h"
 
-#include <cmath>
-#include <cstdio>
 
 namespace ff::toolkit {
 
@@ -13,7 +11,7 @@ void CalculatorEngine::cancel()
     decimalFlag_ = false;
     lastInput_ = QStringLiteral("NONE");
     opCount_ = 0;
-    op1_ = op2_ = 0;
+    op1_ = op2_ = DecimalNumber();
     opFlag_ = QLatin1Char(' ');
     smallFont_ = false;
 }
@@ -51,14 +49,14 @@ void CalculatorEngine::decimal()
     }
 }
 
-long double CalculatorEngine::readoutValue() const
+std::optional<DecimalNumber> CalculatorEngine::readoutValue() const
 {
     QString t = readout_;
     t.remove(locale_.groupSeparator());
     t.replace(locale_.decimalPoint(), QLatin1String("."));
     if (t == QLatin1String("-") || t.isEmpty())
-        return 0;
-    return std::strtold(t.toLatin1().constData(), nullptr);
+        return DecimalNumber();
+    return DecimalNumber::fromText(t);
 }
 
 void CalculatorEngine::op(QChar op)
@@ -71,25 +69,27 @@ void CalculatorEngine::op(QChar op)
             lastInput_ = QStringLiteral("NEG");
         }
     } else if (opCount_ == 1) {
-        op1_ = readoutValue();
+        op1_ = readoutValue().value_or(op1_);
         // A "-" that does not follow a number starts a negative number.
         if (op == QLatin1Char('-') && lastInput_ != QLatin1String("NUMS") && opFlag_ != QLatin1Char('=')) {
             readout_ = QStringLiteral("-");
             lastInput_ = QStringLiteral("NEG");
         }
     } else {
-        op2_ = readoutValue();
+        op2_ = readoutValue().value_or(op2_);
+        // An overflow, like a division by zero, leaves the result as it was.
+        std::optional<DecimalNumber> result = op1_;
         if (opFlag_ == QLatin1Char('+'))
-            op1_ = op1_ + op2_;
+            result = op1_.plus(op2_);
         else if (opFlag_ == QLatin1Char('-'))
-            op1_ = op1_ - op2_;
+            result = op1_.minus(op2_);
         else if (opFlag_ == QChar(u'×') || opFlag_ == QLatin1Char('%'))
-            op1_ = op1_ * op2_;
-        else if (opFlag_ == QChar(u'÷')) {
-            if (op2_ != 0)
-                op1_ = op1_ / op2_;
-        } else if (opFlag_ == QLatin1Char('='))
-            op1_ = op2_;
+            result = op1_.times(op2_);
+        else if (opFlag_ == QChar(u'÷'))
+            result = op1_.dividedBy(op2_);
+        else if (opFlag_ == QLatin1Char('='))
+            result = op2_;
+        op1_ = result.value_or(op1_);
         readout_ = formatResult(op1_);
         opCount_ = 1;
     }
@@ -101,47 +101,34 @@ void CalculatorEngine::op(QChar op)
 
 void CalculatorEngine::percent()
 {
-    readout_ = formatResult(op1_ * readoutValue() / 100);
+    const std::optional<DecimalNumber> shown = readoutValue();
+    std::optional<DecimalNumber> value;
+    if (shown)
+        if (const std::optional<DecimalNumber> product = op1_.times(*shown))
+            value = product->dividedBy(*DecimalNumber::fromText(QStringLiteral("100")));
+    if (value)
+        readout_ = formatResult(*value);
     lastInput_ = QStringLiteral("NUMS");
     decimalFlag_ = readout_.contains(locale_.decimalPoint());
 }
 
-QString CalculatorEngine::formatResult(long double v)
+QString CalculatorEngine::formatResult(const DecimalNumber &v)
 {
-    // Grouped whole part, up to 28 decimals with trailing zeros dropped, never a bare decimal sign.
-    smallFont_ = std::fabs(v) > 999999999999999.0L;
-    // 18 significant digits (what the long double carries), written out without an exponent.
-    char buf[64];
-    std::snprintf(buf, sizeof buf, "%.17Le", v);
-    const QString sci = QString::fromLatin1(buf);
-    const bool minus = sci.startsWith(QLatin1Char('-'));
-    const QString mantissa = sci.section(QLatin1Char('e'), 0, 0).remove(QLatin1Char('-')).remove(QLatin1Char('.'));
-    const int exponent = sci.section(QLatin1Char('e'), 1).toInt();
-    QString whole, frac;
-    if (exponent >= 0) {
-        whole = mantissa.left(exponent + 1).leftJustified(exponent + 1, QLatin1Char('0'));
-        frac = mantissa.mid(exponent + 1);
-    } else {
-        whole = QStringLiteral("0");
-        frac = QString(-exponent - 1, QLatin1Char('0')) + mantissa;
-    }
-    frac = frac.left(28);
-    while (frac.endsWith(QLatin1Char('0')))
-        frac.chop(1);
-    if (minus)
-        whole.prepend(QLatin1Char('-'));
-    const bool negative = whole.startsWith(QLatin1Char('-'));
-    if (negative)
-        whole.remove(0, 1);
+    // "###,###,###,###,###,###,###,###,###.############################": the whole part grouped,
+    // the decimals (up to 28) without trailing zeros, never a bare decimal sign.
+    const QString whole = v.wholeDigits();
+    const QString decimals = v.decimalDigits();
+    const QString limit(15, QLatin1Char('9')); // above 999,999,999,999,999 the font goes down
+    smallFont_ = whole.size() > limit.size() || (whole == limit && !decimals.isEmpty());
     QString grouped;
     for (int i = 0; i < whole.size(); ++i) {
         if (i > 0 && (whole.size() - i) % 3 == 0)
             grouped += locale_.groupSeparator();
         grouped += whole[i];
     }
-    QString out = (negative && (grouped != QLatin1String("0") || !frac.isEmpty()) ? QStringLiteral("-") : QString()) + grouped;
-    if (!frac.isEmpty())
-        out += locale_.decimalPoint() + frac;
+    QString out = (v.isNegative() ? QStringLiteral("-") : QString()) + grouped;
+    if (!decimals.isEmpty())
+        out += locale_.decimalPoint() + decimals;
     return out;
 }
 

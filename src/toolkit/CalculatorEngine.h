@@ -2,8 +2,12 @@
 // The pocket calculator's state machine, apart from its window: digits, the decimal sign, the four
 // operators with "=" and "%", percent, clear entry and clear all.
 
+#include "toolkit/DecimalNumber.h"
+
 #include <QLocale>
 #include <QString>
+
+#include <optional>
 
 namespace ff::toolkit {
 
@@ -25,15 +29,16 @@ public:
     bool smallFont() const { return smallFont_; }
 
 private:
-    long double readoutValue() const;
-    QString formatResult(long double v);
+    // The display as a number; none when it does not fit 28 digits.
+    std::optional<DecimalNumber> readoutValue() const;
+    QString formatResult(const DecimalNumber &v);
 
     QLocale locale_;
     QString readout_;
     bool decimalFlag_ = false;
     QString lastInput_ = QStringLiteral("NONE");
     int opCount_ = 0;
-    long double op1_ = 0, op2_ = 0;
+    DecimalNumber op1_, op2_;
     QChar opFlag_ = QLatin1Char(' ');
     bool smallFont_ = false;
 };

@@ -180,14 +180,28 @@ TEST_F(PageActionsTest, StopWatchWritesIntoTheFieldThatStartedIt)
     EXPECT_TRUE(actions->actionButtonClicked());
     clock.advance(65000);
     entry->fieldGotFocus(1); // the focus moves on; the watch keeps its field
+    host.calls.clear();
     actions->stopWatchTick();
     EXPECT_EQ(page->FieldText[2], QStringLiteral("00:01:05"));
+    EXPECT_DOUBLE_EQ(page->FieldDate[2] * 86400.0, 65.0); // the stored value, saved with the record
+    EXPECT_EQ(host.calls, QStringList{QStringLiteral("lock")}); // an edit: the record is changed
     EXPECT_EQ(page->FieldText[1], QString());
     entry->fieldGotFocus(2);
     EXPECT_FALSE(actions->actionButtonClicked());
     clock.advance(125000);
     actions->stopWatchTick();
     EXPECT_EQ(page->FieldText[2], QStringLiteral("00:01:05"));
+}
+
+TEST_F(PageActionsTest, StopWatchStopsOnARecordAnotherUserHolds)
+{
+    entry->fieldGotFocus(2);
+    EXPECT_TRUE(actions->actionButtonClicked());
+    clock.advance(3000);
+    host.lockResult = Status(makeError(ErrorCode::PermissionDenied, QStringLiteral("held")));
+    actions->stopWatchTick();
+    EXPECT_FALSE(actions->stopWatch().running());
+    EXPECT_EQ(page->FieldText[2], QString()); // nothing written into the other user's record
 }
 
 TEST_F(PageActionsTest, LabelsActByTheirTag)

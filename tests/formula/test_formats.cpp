@@ -157,6 +157,39 @@ TEST(CMoney, DollarWords)
     EXPECT_EQ(money.MonetaryToWords("1" + QString(30, QLatin1Char('0'))), "");
 }
 
+TEST(CMoney, EveryWordOfTheTablesAgainstAListWrittenHere)
+{
+    // The English words written out here, apart from the code's tables: each unit and teen, each
+    // ten, "Hundred" and each group word is spelt once in a sum of its own.
+    const CMoney money(kUs);
+    const char *small[] = {"Zero",    "One",     "Two",       "Three",    "Four",     "Five",    "Six",
+                           "Seven",   "Eight",   "Nine",      "Ten",      "Eleven",   "Twelve",  "Thirteen",
+                           "Fourteen", "Fifteen", "Sixteen",  "Seventeen", "Eighteen", "Nineteen"};
+    for (int n = 0; n < 20; ++n) {
+        EXPECT_EQ(money.MonetaryToWords(QString::number(n)), QString::fromLatin1(small[n]) + " Dollars and No Cents") << n;
+        if (n >= 2) { // as cents, too
+            EXPECT_EQ(money.MonetaryToWords(QStringLiteral("0.%1").arg(n, 2, 10, QLatin1Char('0'))),
+                      QStringLiteral("Zero Dollars and %1 Cents").arg(QLatin1String(small[n]))) << n;
+        }
+    }
+    const char *tens[] = {"Twenty", "Thirty", "Forty", "Fifty", "Sixty", "Seventy", "Eighty", "Ninety"};
+    for (int t = 2; t <= 9; ++t) {
+        const QString word = QLatin1String(tens[t - 2]);
+        EXPECT_EQ(money.MonetaryToWords(QString::number(t * 10)), word + " Dollars and No Cents") << t;
+        EXPECT_EQ(money.MonetaryToWords(QStringLiteral("%1.%2").arg(t).arg(t * 10 + t)),
+                  QStringLiteral("%1 Dollars and %2-%1 Cents").arg(QLatin1String(small[t]), word)) << t;
+    }
+    EXPECT_EQ(money.MonetaryToWords("913"), "Nine Hundred Thirteen Dollars and No Cents");
+    const char *groups[] = {"Thousand", "Million", "Billion", "Trillion", "Quadrillion", "Quintillion", "Sextillion",
+                            "Septillion", "Octillion"};
+    for (int g = 1; g <= 9; ++g) {
+        const QString zeros(3 * g, QLatin1Char('0'));
+        const QString word = QLatin1String(groups[g - 1]);
+        EXPECT_EQ(money.MonetaryToWords("1" + zeros), "One " + word + " Dollars and No Cents") << g;
+        EXPECT_EQ(money.MonetaryToWords("40" + zeros.chopped(3) + "017"), "Forty " + word + " Seventeen Dollars and No Cents") << g;
+    }
+}
+
 TEST(CMoney, CurrencyWordsFollowTheLocaleSign)
 {
     const CMoney pounds(QLocale(QLocale::English, QLocale::UnitedKingdom));

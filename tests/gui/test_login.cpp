@@ -26,7 +26,8 @@ namespace {
 struct Session {
     QTemporaryDir dir;
     std::unique_ptr<Database> db;
-    // The design's administrator password "boss"; ann (read-only) and bob have names.
+    // The design's administrator password "boss"; with `names` the administrator is "admin", ann
+    // (read-only) and bob have names too.
     explicit Session(bool names = true)
     {
         Design d = testsupport::smallDesign();
@@ -40,6 +41,7 @@ struct Session {
         const CodePage &cp = db->codePage();
         UserTable &u = db->users();
         if (names) {
+            u.UserName[0] = CodeText(QStringLiteral("admin"), cp);
             u.UserName[2] = CodeText(QStringLiteral("ann"), cp);
             u.UserPassword[2] = CodeText(QStringLiteral("secret"), cp);
             u.UserRights[2] = 1;
@@ -149,6 +151,21 @@ private Q_SLOTS:
         QVERIFY(!byEscape);
         const std::optional<int> byClose = runWith(*s.db, [](LoginWindow &w) { w.close(); });
         QVERIFY(!byClose);
+    }
+
+    void administratorWithoutNameIsNotTried()
+    {
+        // Entry 0 is tried only when it has a name: the design's password alone opens nothing.
+        Session s(false);
+        const std::optional<int> user = runWith(*s.db, [](LoginWindow &w) {
+            QTest::keyClicks(w.passwordBox(), QStringLiteral("boss"));
+            QVERIFY(w.isVisible());
+            QVERIFY(!w.loginUser());
+            w.cancelButton()->click();
+        });
+        QVERIFY(!user);
+        QCOMPARE(s.db->LoginUser, -1);
+        QVERIFY(!s.db->administrator());
     }
 
     void withoutNamesOrWithoutPassword()

@@ -118,6 +118,29 @@ TEST(Database, FileErrorsShowTheMessage)
     EXPECT_EQ(s.host.texts()[0], QStringLiteral("File %1 not found").arg(s.db.DataFileName));
 }
 
+TEST(Database, ACountPastTheRangeIsRecountedFromTheFirstRecordsPart)
+{
+    // Two further parts of 2^30 records each would make the count overflow (error 6): the last
+    // part is worked out again from record 1 and the records are counted from that part.
+    QTemporaryDir dir;
+    SmallParts parts(int64_t(1) << 30);
+    const QString data = dir.filePath(QStringLiteral("shop.dat"));
+    {
+        QFile f(data);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        ASSERT_TRUE(f.write(QByteArray(4 * 17 - 1, ' ')) == 4 * 17 - 1); // header and records 1 to 3
+    }
+    for (const char *part : {"shop0001", "shop0002"}) {
+        QFile f(dir.filePath(QLatin1String(part)));
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    }
+    Session s(dir, smallDesign());
+    s.db.DataFileName = data;
+    ASSERT_TRUE(s.db.OpenDatabase(OpenMode::Open));
+    EXPECT_EQ(s.db.store().RecordCount(), 3);
+    EXPECT_TRUE(s.host.texts().isEmpty());
+}
+
 TEST(UserFile, RoundTripInVariantForm)
 {
     QTemporaryDir dir;

@@ -63,11 +63,20 @@ TEST(Login, PasswordAloneOrNameThenPassword)
     EXPECT_FALSE(IsAdministratorLogin(t, QStringLiteral("secret"), cp));
     EXPECT_EQ(LoginCaption(t, 2, cp), QStringLiteral("        Login : ann"));
 
+    // Entry 0 is tried like any other, only once it has a name: the design's password alone
+    // opens nothing, by either box.
+    LoginCheck unnamed(t, cp);
+    EXPECT_FALSE(unnamed.check(QStringLiteral("boss"), QString()).success);
+    EXPECT_FALSE(unnamed.check(QStringLiteral("boss"), QStringLiteral("boss")).success);
+    t.UserName[0] = CodeText(QStringLiteral("admin"), cp);
     LoginCheck admin(t, cp);
     ok = admin.check(QStringLiteral("boss"), QString());
     EXPECT_TRUE(ok.success);
     EXPECT_EQ(ok.user, 0);
     EXPECT_TRUE(IsAdministratorLogin(t, QStringLiteral("boss"), cp));
+    LoginCheck adminByName(t, cp);
+    EXPECT_TRUE(adminByName.check(QString(), QStringLiteral("admin")).askPassword);
+    EXPECT_EQ(adminByName.check(QString(), QStringLiteral("boss")).user, 0);
 
     LoginCheck byName(t, cp);
     EXPECT_FALSE(byName.check(QString(), QStringLiteral("an")).askPassword);

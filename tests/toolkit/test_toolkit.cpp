@@ -84,9 +84,30 @@ private Q_SLOTS:
         QCOMPARE(run(QStringLiteral("200+10p=")), QStringLiteral("220"));
         QCOMPARE(run(QStringLiteral("1234567*1=")), QStringLiteral("1,234,567"));
         QCOMPARE(run(QStringLiteral("0.1+0.2=")), QStringLiteral("0.3"));
-        QCOMPARE(run(QStringLiteral("1/3=")), QStringLiteral("0.333333333333333333"));
         QCOMPARE(run(QStringLiteral("9+5e4=")), QStringLiteral("13"));  // CE drops only the entry
         QCOMPARE(run(QStringLiteral("6*-2=")), QStringLiteral("-12"));  // minus after an operator
+        // Operands and results carry 28 significant digits, rounded half to even; a whole part
+        // past 28 digits overflows and, like a division by zero, leaves the result.
+        const struct {
+            const char *keys, *shown;
+        } wide[] = {
+            {"1/3=", "0.3333333333333333333333333333"},
+            {"2/3=", "0.6666666666666666666666666667"},
+            {"10/3=", "3.333333333333333333333333333"},
+            {"100/7=", "14.28571428571428571428571429"},
+            {"1234567890123456789012345678+1=", "1,234,567,890,123,456,789,012,345,679"},
+            {"1234567890123456789012345678-1234567890123456789012345677=", "1"},
+            {"12345678901234567890*1000=", "12,345,678,901,234,567,890,000"},
+            {"0.000000000000000000000000001+1=", "1.000000000000000000000000001"},
+            {"0.0000000000000000000000000001+1=", "1"}, // the 29th digit rounds away
+            {"0.0000000000000000000000000001/4=", "0"},
+            {"0.0000000000000000000000000003/2=", "0.0000000000000000000000000002"},
+            {"5000000000000000000000000000*2=", "5,000,000,000,000,000,000,000,000,000"},
+            {"9999999999999999999999999999*2=", "9,999,999,999,999,999,999,999,999,999"},
+            {"4.5*0.5=", "2.25"},
+        };
+        for (const auto &row : wide)
+            QCOMPARE(run(QLatin1String(row.keys)), QLatin1String(row.shown));
         CalculatorEngine big(us);
         for (QChar k : QStringLiteral("9999999999999999"))
             big.digit(k.digitValue());
