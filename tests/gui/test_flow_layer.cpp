@@ -66,15 +66,15 @@ QJsonObject image(int page, int left, int top, int width, int height, int id, in
                        {"height", height}, {"id", id}, {"link", link}};
 }
 
-// Record 1: a bold red label and a label in italics underlined on page 0, one on page 1, a picture
+// Record 1: a bold red label and one in italics on page 0, one underlined on page 1, a picture
 // linking to record 3, one without a link and one whose file is missing. Record 3: one label.
 QJsonArray records()
 {
     QJsonObject first{{"F1", QStringLiteral("Ada")}};
     first[QStringLiteral("labels")] = QJsonArray{
         label(0, 1, 20, QStringLiteral("Visited twice"), 0x0000FF, 4320, 5040),
-        label(0, 110, 9, QStringLiteral("see file"), 0xFF0000, 4320, 6000),
-        label(1, 0, 12, QStringLiteral("On the notes page"), 0x008000, 600, 600),
+        label(0, 10, 9, QStringLiteral("see file"), 0xFF0000, 4320, 6000),
+        label(1, 100, 12, QStringLiteral("On the notes page"), 0x008000, 600, 600),
         label(0, 0, 10, QStringLiteral("   "), 0, 0, 0)}; // a blank caption is never stored
     first[QStringLiteral("images")] = QJsonArray{image(0, 7200, 4320, 900, 600, 100001, 3),
                                                  image(0, 7200, 5400, 900, 600, 100001, 0),
@@ -144,8 +144,8 @@ private Q_SLOTS:
         };
         const Expected expected[] = {
             {QStringLiteral("Visited twice"), true, false, false, 20, QColor(255, 0, 0), 4320, 5040, true},
-            {QStringLiteral("see file"), false, true, true, 9, QColor(0, 0, 255), 4320, 6000, true},
-            {QStringLiteral("On the notes page"), false, false, false, 12, QColor(0, 128, 0), 600, 600, false},
+            {QStringLiteral("see file"), false, true, false, 9, QColor(0, 0, 255), 4320, 6000, true},
+            {QStringLiteral("On the notes page"), false, false, true, 12, QColor(0, 128, 0), 600, 600, false},
         };
         for (int i = 0; i < 3; ++i) {
             const Expected &e = expected[i];
