@@ -309,9 +309,8 @@ void MainWindow::buildPage()
     scroll_->setHorizontalScrollBar(new PageScrollBar(Qt::Horizontal, d.Pattern, d.ScrollColor, scroll_));
     QPalette tabColours = tabs_->palette();
     tabColours.setColor(QPalette::Button, colorFromLong(d.ScrollColor, tabColours.color(QPalette::Button)));
-    tabColours.setColor(QPalette::Window, tabColours.color(QPalette::Button));
+    tabColours.setColor(QPalette::Window, tabColours.color(QPalette::Button)); // the tab face in this style
     tabs_->setPalette(tabColours);
-    tabs_->setAutoFillBackground(true);
     scroll_->setWidget(canvas_);
     scroll_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     scroll_->setFrameShape(QFrame::NoFrame);
