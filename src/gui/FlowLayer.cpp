@@ -131,6 +131,8 @@ bool FlowLayer::eventFilter(QObject *watched, QEvent *event)
             continue;
         const int32_t link = page_.FlowImages[qsizetype(i)].FlowImageLink;
         if (link > 0) {
+            // The sizing handle and the label editor that the jump also hides belong to page editing,
+            // which the layer does not offer yet.
             Q_EMIT recordLinkClicked(link);
             return true;
         }
