@@ -45,7 +45,7 @@ def ui_texts():
 
 
 CAPTION_RUN = ["&Open...", "&Create...", "Print", "", "", "", "New record", "Search", "Sort up",
-               "Users", "", "Flatform example", "", "", "Find in field", "", "E&xport", "Copy record",
+               "Calculator", "", "Flatform example", "", "", "Find in field", "", "E&xport", "Copy record",
                "Paste record", "", "Sort down", "", "", "&Import text..."]
 
 

@@ -7,6 +7,10 @@
 #include "formula/DateNumber.h"
 #include "formula/FieldFormat.h"
 #include "gui/SearchLineWindow.h"
+#include "gui/AboutWindow.h"
+#include "gui/FlowLayer.h"
+#include "gui/PageScrollBar.h"
+#include "gui/Twips.h"
 #include "gui/MainWindowHost.h"
 #include "gui/ResultsWindow.h"
 #include "gui/UsersWindow.h"
@@ -120,6 +124,11 @@ MainWindow::MainWindow(AppPaths paths, DesignLoad load, const Clock &clock, QWid
     actions_ = std::make_unique<PageActions>(db_->page(), *host_, entry_->state(), clock);
     buildToolbar();
     buildPage();
+    // The design's start state: 0 normal, 1 minimised, 2 maximised; it takes effect when shown.
+    if (design().WindowState == 1)
+        setWindowState(Qt::WindowMinimized);
+    else if (design().WindowState == 2)
+        setWindowState(Qt::WindowMaximized);
     openData(OpenMode::Open);
 }
 
@@ -154,7 +163,9 @@ void MainWindow::buildToolbar()
                                       [this] { chooseDataFile(true); });
     menu->addSeparator();
     if (UsersWindow::offeredTo(*db_)) {
-        QAction *users = menu->addAction(d.CaptionRun[9].isEmpty() ? tr("&Users...") : d.CaptionRun[9], this,
+        // Named as the users window is (row 10 of the caption run is the Image4 icon's tool tip).
+        const QString usersCaption = d.UiText[11].isEmpty() ? tr("&Users") : d.UiText[11];
+        QAction *users = menu->addAction(usersCaption + QStringLiteral("..."), this,
                                          [this] { UsersWindow::runUsers(*db_, this); });
         users->setObjectName(QStringLiteral("Passmenu"));
         menu->addSeparator();
@@ -215,12 +226,7 @@ void MainWindow::buildToolbar()
     actionItem->setVisible(false);
     actionButton_->setProperty("toolbarAction", QVariant::fromValue(static_cast<QObject *>(actionItem)));
 
-    auto *tools = menuBar()->addMenu(tr("&Tools"));
-    tools->addAction(tr("&Calculator"), this, [this] {
-        auto *calc = new toolkit::Calculator(this);
-        calc->setAttribute(Qt::WA_DeleteOnClose);
-        calc->show();
-    });
+    buildInfoCommands(bar);
 
     if (d.CaptionRun[0].isEmpty())
         open->setVisible(false);
@@ -236,6 +242,48 @@ void MainWindow::buildToolbar()
     clockTimer_->setInterval(1000);
     connect(clockTimer_, &QTimer::timeout, this, &MainWindow::updateClock);
     clockTimer_->start();
+}
+
+void MainWindow::buildInfoCommands(QToolBar *bar)
+{
+    const Design &d = design();
+    // The Image4 icon opens the calculator; its tool tip is row 10 of the caption run and the design
+    // may hide it. The Tools menu offers the calculator whatever the icon does.
+    QAction *calculator = new QAction(QIcon::fromTheme(QStringLiteral("accessories-calculator"),
+                                                       style()->standardIcon(QStyle::SP_ComputerIcon)),
+                                      tr("&Calculator"), this);
+    connect(calculator, &QAction::triggered, this, [this] {
+        auto *calc = new toolkit::Calculator(this);
+        calc->setAttribute(Qt::WA_DeleteOnClose);
+        calc->show();
+    });
+    menuBar()->addMenu(tr("&Tools"))->addAction(calculator);
+    calculatorButton_ = new QToolButton(bar);
+    calculatorButton_->setDefaultAction(calculator);
+    calculatorButton_->setToolTip(d.CaptionRun[9].isEmpty() ? tr("Calculator") : tipOf(d.CaptionRun[9]));
+    calculatorButton_->setAccessibleName(tr("Calculator"));
+    bar->addSeparator();
+    bar->addWidget(calculatorButton_)->setVisible(d.Image4Visible);
+
+    // The AboutInfo icon opens the about window, captioned Aboutme; the design may hide it, and the
+    // Help menu's entry goes with it.
+    QAction *about = new QAction(style()->standardIcon(QStyle::SP_MessageBoxInformation),
+                                 d.Aboutme.isEmpty() ? tr("&About") : d.Aboutme, this);
+    connect(about, &QAction::triggered, this, [this] {
+        AboutWindow window(design(), this);
+        window.exec();
+    });
+    about->setVisible(d.AboutInfoVisible);
+    menuBar()->addMenu(tr("&Help"))->addAction(about);
+    aboutButton_ = new QToolButton(bar);
+    aboutButton_->setDefaultAction(about);
+    aboutButton_->setToolTip(tipOf(about->text()));
+    aboutButton_->setAccessibleName(tr("About"));
+    bar->addWidget(aboutButton_)->setVisible(d.AboutInfoVisible);
+
+    // Commands still to come read their switches here: the export command (Exporting) shows only
+    // with ExportingVisible and a caption in row 17 of the caption run; the mail icon (Image5) only
+    // with MailIconVisible.
 }
 
 void MainWindow::buildPage()
@@ -261,6 +309,13 @@ void MainWindow::buildPage()
 
     canvas_ = new PageCanvas(d, paths_.AppFolder, central);
     scroll_ = new QScrollArea(central);
+    // The page's scroll bars, and the tabs, in the design's scroll bar colour.
+    scroll_->setVerticalScrollBar(new PageScrollBar(Qt::Vertical, d.Pattern, d.ScrollColor, scroll_));
+    scroll_->setHorizontalScrollBar(new PageScrollBar(Qt::Horizontal, d.Pattern, d.ScrollColor, scroll_));
+    QPalette tabColours = tabs_->palette();
+    tabColours.setColor(QPalette::Button, colorFromLong(d.ScrollColor, tabColours.color(QPalette::Button)));
+    tabColours.setColor(QPalette::Window, tabColours.color(QPalette::Button)); // the tab face in this style
+    tabs_->setPalette(tabColours);
     scroll_->setWidget(canvas_);
     scroll_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     scroll_->setFrameShape(QFrame::NoFrame);
@@ -269,6 +324,8 @@ void MainWindow::buildPage()
     setCentralWidget(central);
 
     binder_ = new PageBinder(*canvas_, db_->page(), *entry_, *actions_, this);
+    flowLayer_ = new FlowLayer(*canvas_, db_->page(), QDir(paths_.AppFolder).filePath(QStringLiteral("Images")), this);
+    connect(flowLayer_, &FlowLayer::recordLinkClicked, this, &MainWindow::jumpToRecord);
     connect(binder_, &PageBinder::actionChanged, this, &MainWindow::showAction);
     connect(binder_, &PageBinder::datePickerWanted, this, &MainWindow::pickDate);
     connect(binder_, &PageBinder::scrollWanted, this, [this](int delta) {
@@ -285,9 +342,31 @@ void MainWindow::buildPage()
     statusBar()->addPermanentWidget(clock_);
     updateClock();
 
-    const QSize page = canvas_->size();
-    resize(qMin(page.width() + 2, 1400),
-           qMin(page.height() + tabs_->sizeHint().height() + statusBar()->sizeHint().height() + 70, 1000));
+    sizeToDesign();
+}
+
+void MainWindow::sizeToDesign()
+{
+    // The frame around the page (Frame3) takes the design's size when it gives one; without Stretch
+    // it keeps that size, with Stretch it follows the window. Without a size the window opens as
+    // large as the page, within the screen's bounds.
+    const Design &d = design();
+    const int chrome = tabs_->sizeHint().height() + statusBar()->sizeHint().height() + 70;
+    if (d.Frame3Width <= 0 || d.Frame3Height <= 0) {
+        resize(qMin(canvas_->width() + 2, 1400), qMin(canvas_->height() + chrome, 1000));
+        return;
+    }
+    const double tpp = canvas_->twipsPerPixel();
+    const QSize frame(qMax(1, toPixels(d.Frame3Width, tpp)), qMax(1, toPixels(d.Frame3Height, tpp)));
+    if (!d.Frame3Stretch) {
+        scroll_->setFixedSize(frame);
+        scroll_->parentWidget()->layout()->setAlignment(scroll_, Qt::AlignLeft | Qt::AlignTop);
+    }
+    // Lay the window out once at a first guess, then grow or shrink it by what the frame lacks.
+    resize(frame.width(), frame.height() + chrome);
+    layout()->activate();
+    centralWidget()->layout()->activate();
+    resize(size() + frame - scroll_->size());
 }
 
 void MainWindow::buildSearchCommands(QToolBar *bar)
@@ -470,10 +549,16 @@ void MainWindow::jumpToTypedRecord()
 {
     bool ok = false;
     const int n = recordBox_->text().toInt(&ok);
-    if (ok && n >= 1 && n <= db_->store().RecordCount()) {
+    jumpToRecord(ok ? n : 0);
+}
+
+void MainWindow::jumpToRecord(int record)
+{
+    // The record box on Enter and a linked flow picture: a number beyond the records changes nothing.
+    if (record >= 1 && record <= db_->store().RecordCount()) {
         // A record that cannot be read leaves the page as it was, and the box gets the number of
         // the record shown back below.
-        std::ignore = db_->store().JumpToRecord(n);
+        std::ignore = db_->store().JumpToRecord(record);
     }
     recordShown();
 }

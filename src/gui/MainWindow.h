@@ -34,6 +34,7 @@ class PageActions;
 namespace ff::gui {
 
 class SearchLineWindow;
+class FlowLayer;
 class MainWindowHost;
 class FindReplaceWindow;
 class PageBinder;
@@ -53,6 +54,8 @@ public:
     MainWindowHost &host() { return *host_; }
     FieldEntry &entry() { return *entry_; }
     PageCanvas *canvas() const { return canvas_; }
+    FlowLayer *flowLayer() const { return flowLayer_; }
+    QScrollArea *pageView() const { return scroll_; }
     QTabBar *pageTabs() const { return tabs_; }
     QLineEdit *recordBox() const { return recordBox_; }
     QToolButton *navigationButton(int i) const { return navigationButtons_[size_t(i)]; }
@@ -70,6 +73,8 @@ public:
     FindReplaceWindow *replaceWindow() const { return replaceWindow_; }
     QAction *findenAction(int command) const { return findActions_[size_t(command)]; }
     QToolButton *searchButton() const { return searchButton_; }
+    QToolButton *calculatorButton() const { return calculatorButton_; } // the Image4 icon
+    QToolButton *aboutButton() const { return aboutButton_; }           // the AboutInfo icon
     // False when the login was refused: the program ends without showing the window.
     bool started() const { return !loginRefused_; }
 
@@ -88,6 +93,9 @@ private:
     void recordShown();
     void showPage(int page);
     void jumpToTypedRecord();
+    void jumpToRecord(int record);
+    void buildInfoCommands(QToolBar *bar);
+    void sizeToDesign();
     void chooseDataFile(bool create);
     void showAction(const FieldAction &action);
     void pickDate(int field);
@@ -106,6 +114,7 @@ private:
     std::unique_ptr<PageActions> actions_;
     PageCanvas *canvas_ = nullptr;
     PageBinder *binder_ = nullptr;
+    FlowLayer *flowLayer_ = nullptr;
     QTabBar *tabs_ = nullptr;
     QScrollArea *scroll_ = nullptr;
     QLabel *status_ = nullptr;
@@ -119,6 +128,8 @@ private:
     int stopWatchRecord_ = 0;          // the record whose field the stop watch times
     QTimer *clockTimer_ = nullptr; // the clock
     QToolButton *searchButton_ = nullptr; // the search window's icon
+    QToolButton *calculatorButton_ = nullptr;
+    QToolButton *aboutButton_ = nullptr;
     std::array<QAction *, 4> findActions_{};
     SearchLineWindow *searchWindow_ = nullptr;
     FindReplaceWindow *replaceWindow_ = nullptr;

@@ -52,20 +52,6 @@ Qt::PenStyle penStyleOf(int16_t borderStyle)
     }
 }
 
-Qt::BrushStyle brushStyleOf(int16_t fillStyle)
-{
-    switch (fillStyle) {
-    case 0: return Qt::SolidPattern;
-    case 2: return Qt::HorPattern;
-    case 3: return Qt::VerPattern;
-    case 4: return Qt::FDiagPattern;
-    case 5: return Qt::BDiagPattern;
-    case 6: return Qt::CrossPattern;
-    case 7: return Qt::DiagCrossPattern;
-    default: return Qt::NoBrush; // 1: transparent
-    }
-}
-
 } // namespace
 
 PageCanvas::PageCanvas(const Design &design, const QString &pictureFolder, QWidget *parent)

@@ -1,6 +1,7 @@
 #pragma once
 // Page geometry is in twips (1/1440 inch); colours are the platform's colour longs (0x00BBGGRR,
-// with the high bit set for a system colour). These helpers turn both into what Qt draws with.
+// with the high bit set for a system colour); fills are style numbers. These helpers turn them into
+// what Qt draws with.
 
 #include <QColor>
 #include <QRect>
@@ -21,5 +22,9 @@ inline QRect twipsRect(double left, double top, double width, double height, dou
 }
 
 QColor colorFromLong(int32_t value, const QColor &systemFallback = QColor());
+
+// A fill style number as a brush pattern: 0 solid, 1 transparent, 2 horizontal lines, 3 vertical
+// lines, 4 and 5 diagonals, 6 cross, 7 diagonal cross; other numbers are transparent.
+Qt::BrushStyle brushStyleOf(int16_t fillStyle);
 
 } // namespace ff::gui
