@@ -250,6 +250,16 @@ Status RecordStore::LockRecord()
     return s;
 }
 
+void RecordStore::saveBeforeMove()
+{
+    if (SaveIfDirty())
+        return;
+    // The failed save has been shown. The page moves on, so the record left behind gives up its
+    // lock and its dirty mark: the next record's first edit must take a lock of its own.
+    std::ignore = UnlockRecord();
+    recordDirty_ = false;
+}
+
 Status RecordStore::SaveIfDirty()
 {
     if (!recordDirty_)
@@ -264,7 +274,7 @@ Status RecordStore::SaveIfDirty()
 
 Status RecordStore::NavigateRecord(NavigationButton button)
 {
-    std::ignore = SaveIfDirty(); // a failed save has been shown: the move goes on
+    saveBeforeMove();
     // Other users' new records come into the count. When the last part cannot be opened or
     // counted, the count stays as it was and the move works within it.
     if (file_.OpenRecordPart(file_.LastPart()))
@@ -318,7 +328,7 @@ Status RecordStore::NavigateRecord(NavigationButton button)
 
 Status RecordStore::StepRecord(StepDirection direction)
 {
-    std::ignore = SaveIfDirty(); // a failed save has been shown: the move goes on
+    saveBeforeMove();
     if (direction == StepDirection::Back && currentRecord_ > 1)
         --currentRecord_;
     else if (direction == StepDirection::On && currentRecord_ < recordCount_)
@@ -329,7 +339,7 @@ Status RecordStore::StepRecord(StepDirection direction)
 
 Status RecordStore::JumpToRecord(int record)
 {
-    std::ignore = SaveIfDirty(); // a failed save has been shown: the move goes on
+    saveBeforeMove();
     if (record < 1 || record > recordCount_)
         return makeError(ErrorCode::SubscriptOutOfRange, QStringLiteral("no record %1").arg(record));
     currentRecord_ = record;
@@ -402,7 +412,7 @@ Status RecordStore::claimNewSlot(int64_t record)
 
 Status RecordStore::NewRecord()
 {
-    std::ignore = SaveIfDirty(); // a failed save has been shown: the new record comes all the same
+    saveBeforeMove();
     // Two users pressing New together each get a record of their own: copies of this program take
     // turns through the append lock, and a slot whose byte another user holds (a new record being
     // filled by a copy that does not take turns) is passed over for the next.

@@ -137,6 +137,9 @@ private:
     // Takes the lock of a new record's slot when it is free and not yet written; PermissionDenied
     // when another user holds or has written it.
     Status claimNewSlot(int64_t record);
+    // The saving rule before a move: a record that cannot be saved has been shown to the user and
+    // is left behind unlocked and clean, as the move goes on.
+    void saveBeforeMove();
     void blankPage();
     void lockAllElements();
     void showMessage(const QString &text);

@@ -1,6 +1,8 @@
 // The life of records in a file set: parts, counting, navigation, new and cleared records, the
 // record limit.
 
+#include "support/LockProbe.h"
+#include "support/RecordFileFormat.h"
 #include "support/StoreFixture.h"
 
 #include <QDir>
@@ -111,6 +113,34 @@ TEST(RecordParts, OtherUsersRecordsAppearOnNavigating)
     EXPECT_EQ(later.store.RecordCount(), 9);
 }
 
+TEST(RecordParts, AMoveAfterAFailedSaveLeavesNoLockBehind)
+{
+    SmallParts parts(4);
+    QTemporaryDir dir;
+    const QString data = dir.filePath(QStringLiteral("Move.dat"));
+    StoreUser u(smallDesign());
+    ASSERT_TRUE(u.store.openFileSet(data, OpenMode::Create, QStringLiteral("Title")));
+    for (int r = 1; r <= 3; ++r) {
+        ASSERT_TRUE(u.store.NewRecord());
+        ASSERT_TRUE(u.store.SaveIfDirty());
+    }
+    // Record 4, the exact multiple of the part size, can never be written: leaving it fails.
+    EXPECT_FALSE(u.store.NewRecord());
+    u.page.FieldText[1] = QStringLiteral("typed");
+    EXPECT_TRUE(u.store.JumpToRecord(2));
+    ASSERT_EQ(u.host.texts().size(), 1);
+    // The page moved on: record 2's first edit takes record 2's own lock byte, as another user
+    // sees it, and holds nothing else.
+    EXPECT_FALSE(u.store.RecordDirty());
+    EXPECT_FALSE(LockProbe::held(recordPlace(data, 2, 17, 4)));
+    ASSERT_TRUE(u.store.LockRecord());
+    EXPECT_TRUE(LockProbe::held(recordPlace(data, 2, 17, 4)));
+    EXPECT_FALSE(LockProbe::held(recordPlace(data, 3, 17, 4)));
+    u.page.FieldText[1] = QStringLiteral("n2");
+    ASSERT_TRUE(u.store.SaveIfDirty());
+    EXPECT_FALSE(LockProbe::held(recordPlace(data, 2, 17, 4)));
+}
+
 TEST(RecordParts, AppendingAcrossThePartBoundary)
 {
     SmallParts parts(4);
@@ -143,6 +173,7 @@ TEST(RecordParts, AppendingAcrossThePartBoundary)
         u.page.FieldText[1] = QStringLiteral("n5");
         ASSERT_TRUE(u.store.SaveIfDirty());
         EXPECT_EQ(QFileInfo(partFileName(data, 1)).size(), 2 * 17 - 1);
+
     }
     StoreUser again(smallDesign());
     ASSERT_TRUE(again.store.openFileSet(data, OpenMode::Open, QString()));
