@@ -11,8 +11,8 @@ namespace ff::gui {
 
 AboutWindow::AboutWindow(const Design &design, QWidget *parent) : QDialog(parent)
 {
-    // The window's caption is the design's Aboutme; Label1 says what the application is and
-    // mLabel (row 12 of the caption run) stands under it.
+    // The window's caption is the design's Aboutme; AboutLabel1 says what the application is and
+    // row 12 of the caption run stands under it.
     setWindowTitle(design.Aboutme.isEmpty() ? design.MainCap : design.Aboutme);
     auto *layout = new QVBoxLayout(this);
     title_ = new QLabel(design.AboutLabel1, this);

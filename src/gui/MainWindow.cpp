@@ -163,7 +163,7 @@ void MainWindow::buildToolbar()
                                       [this] { chooseDataFile(true); });
     menu->addSeparator();
     if (UsersWindow::offeredTo(*db_)) {
-        // Named as the users window is (row 10 of the caption run is the Image4 icon's tool tip).
+        // Named as the users window is (row 10 of the caption run is the calculator icon's tool tip).
         const QString usersCaption = d.UiText[11].isEmpty() ? tr("&Users") : d.UiText[11];
         QAction *users = menu->addAction(usersCaption + QStringLiteral("..."), this,
                                          [this] { UsersWindow::runUsers(*db_, this); });
@@ -247,7 +247,7 @@ void MainWindow::buildToolbar()
 void MainWindow::buildInfoCommands(QToolBar *bar)
 {
     const Design &d = design();
-    // The Image4 icon opens the calculator; its tool tip is row 10 of the caption run and the design
+    // The calculator icon (shown by Image4Visible) opens the calculator; its tool tip is row 10 of the caption run and the design
     // may hide it. The Tools menu offers the calculator whatever the icon does.
     QAction *calculator = new QAction(QIcon::fromTheme(QStringLiteral("accessories-calculator"),
                                                        style()->standardIcon(QStyle::SP_ComputerIcon)),
@@ -282,7 +282,7 @@ void MainWindow::buildInfoCommands(QToolBar *bar)
     bar->addWidget(aboutButton_)->setVisible(d.AboutInfoVisible);
 
     // Commands still to come read their switches here: the export command (Exporting) shows only
-    // with ExportingVisible and a caption in row 17 of the caption run; the mail icon (Image5) only
+    // with ExportingVisible and a caption in row 17 of the caption run; the mail icon only
     // with MailIconVisible.
 }
 

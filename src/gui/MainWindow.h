@@ -73,7 +73,7 @@ public:
     FindReplaceWindow *replaceWindow() const { return replaceWindow_; }
     QAction *findenAction(int command) const { return findActions_[size_t(command)]; }
     QToolButton *searchButton() const { return searchButton_; }
-    QToolButton *calculatorButton() const { return calculatorButton_; } // the Image4 icon
+    QToolButton *calculatorButton() const { return calculatorButton_; } // shown by Image4Visible
     QToolButton *aboutButton() const { return aboutButton_; }           // the AboutInfo icon
     // False when the login was refused: the program ends without showing the window.
     bool started() const { return !loginRefused_; }

@@ -1,5 +1,5 @@
 // The design's window settings as the main window shows them: the start state, the page scroll
-// bars' colour and pattern and the tabs' colour, the about icon and window, the Image4 icon with
+// bars' colour and pattern and the tabs' colour, the about icon and window, the calculator icon (Image4Visible) with
 // its tool tip from row 10 of the caption run, and the frame around the page.
 
 #include "DesignVariant.h"
