@@ -51,8 +51,10 @@ SearchLineWindow::SearchLineWindow(MainWindow &main)
     lineBox_->setAccessibleName(tr("Search line"));
     lineBox_->setToolTip(tr("A text to find in the field, or a command: SELECT, SUM, COUNT, REPLACE"));
     connect(lineBox_, &QComboBox::editTextChanged, this, &SearchLineWindow::lineChanged);
-    // Enter is taken before the line edit sees it: an editable combo hands an unused Return back
-    // to its line edit, which would start the search a second time.
+    // Enter is taken on its way in, whichever of the two has the focus: the combo keeps the focus
+    // and takes the key first (it never reaches the line edit), and a Return that did reach the
+    // line edit must not also be handed back to the combo, which would start a second search.
+    lineBox_->installEventFilter(this);
     lineBox_->lineEdit()->installEventFilter(this);
 
     storeLineLink_->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
@@ -90,7 +92,7 @@ SearchLineWindow::SearchLineWindow(MainWindow &main)
 
 bool SearchLineWindow::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == lineBox_->lineEdit() && event->type() == QEvent::KeyPress) {
+    if ((watched == lineBox_ || watched == lineBox_->lineEdit()) && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent *>(event)->key();
         if (key == Qt::Key_Return || key == Qt::Key_Enter) {
             startSearch();
