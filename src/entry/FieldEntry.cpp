@@ -200,7 +200,7 @@ void FieldEntry::comboLostFocus(int index)
 
 void FieldEntry::checkGotFocus(int index) { noteFocus(FocusKind::Check, index); }
 
-bool FieldEntry::checkMouseDown(int index, Qt::MouseButton button)
+bool FieldEntry::checkMouseDown(int index, Qt::MouseButton button, Qt::MouseButtons held)
 {
     if (!inTable(page_.design().Checks, index) || index >= page_.CheckValue.size())
         return false;
@@ -209,7 +209,7 @@ bool FieldEntry::checkMouseDown(int index, Qt::MouseButton button)
         pickForSearch(FocusKind::Check, index);
         return false;
     }
-    if (button != Qt::LeftButton || selection_.active())
+    if (button != Qt::LeftButton || (held & Qt::RightButton))
         return false;
     if (index < page_.CheckLocked.size() && page_.CheckLocked[index])
         return false;

@@ -75,8 +75,10 @@ public:
     void checkGotFocus(int index);
     // A mouse press: the right button only takes the focus (and picks the field for a find over
     // several fields); the left button toggles, marks the record as changed and runs the formulas,
-    // unless a multi-field selection is being built. Returns whether the value changed.
-    bool checkMouseDown(int index, Qt::MouseButton button);
+    // unless the right button is held down at the same time, building a selection. Fields picked
+    // earlier stay picked: a left click never waits for the search that uses them. `held` is the
+    // buttons down with this press. Returns whether the value changed.
+    bool checkMouseDown(int index, Qt::MouseButton button, Qt::MouseButtons held = Qt::NoButton);
     // Space toggles as a left click does.
     bool checkKeyDown(int index, int qtKey);
 

@@ -399,7 +399,7 @@ bool PageBinder::checkEvent(int i, QEvent *event)
     case QEvent::MouseButtonPress:
         // The page decides: the left button toggles, the right one only takes the focus.
         canvas_.checkWidget(i)->setFocus(Qt::MouseFocusReason);
-        entry_.checkMouseDown(i, static_cast<QMouseEvent *>(event)->button());
+        entry_.checkMouseDown(i, static_cast<QMouseEvent *>(event)->button(), static_cast<QMouseEvent *>(event)->buttons());
         refreshCheck(i);
         return true;
     case QEvent::MouseButtonRelease:

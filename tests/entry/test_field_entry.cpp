@@ -283,8 +283,9 @@ TEST_F(FieldEntryTest, CheckFieldsToggleWithTheLeftButtonOnly)
     EXPECT_EQ(page->CheckValue[1], 0);
     EXPECT_EQ(entry->state().focusKind, FocusKind::Check);
     EXPECT_EQ(host.count(QStringLiteral("formulas")), 0);
-    entry->selection().clear();
+    EXPECT_TRUE(entry->selection().active()); // the right button picked it for a find
 
+    // The pick does not hold the check fields: the left button toggles them all the same.
     EXPECT_TRUE(entry->checkMouseDown(1, Qt::LeftButton));
     EXPECT_EQ(page->CheckValue[1], 1);
     EXPECT_EQ(host.calls, (QStringList{QStringLiteral("lock"), QStringLiteral("formulas")}));
@@ -324,9 +325,13 @@ TEST_F(FieldEntryTest, RightButtonPicksFieldsForAFindOverSeveral)
     EXPECT_EQ(selection.fields()[1].kind, FocusKind::Check);
     EXPECT_EQ(selection.fields()[2].kind, FocusKind::Combo);
     EXPECT_EQ(selection.fields()[2].index, 1);
-    // While the selection is built, a left click does not toggle.
-    EXPECT_FALSE(entry->checkMouseDown(0, Qt::LeftButton));
+    // A left press while the right button is still down, building the selection, does not toggle;
+    // one after it does, and the picks stay for the search.
+    EXPECT_FALSE(entry->checkMouseDown(0, Qt::LeftButton, Qt::LeftButton | Qt::RightButton));
     EXPECT_EQ(page->CheckValue[0], 1);
+    EXPECT_TRUE(entry->checkMouseDown(0, Qt::LeftButton, Qt::LeftButton));
+    EXPECT_EQ(page->CheckValue[0], 0);
+    EXPECT_EQ(selection.count(), 3);
     entry->selection().clear();
     EXPECT_FALSE(entry->selection().active());
     EXPECT_TRUE(entry->selection().searchText().isEmpty());

@@ -433,6 +433,29 @@ private Q_SLOTS:
         QCOMPARE(messages.texts, QStringList{"2 Total"});
     }
 
+    void aRightClickOnACheckBoxLeavesTheCheckBoxesFree()
+    {
+        auto o = openContacts();
+        gui::MainWindow &w = *o->window;
+        QCOMPARE(w.database().store().CurrentRecord(), 1); // Ada, a VIP
+        auto *vip = qobject_cast<QAbstractButton *>(w.canvas()->checkWidget(1));
+        QVERIFY(vip && vip->isChecked());
+        QTest::mouseClick(vip, Qt::RightButton);
+        QVERIFY(vip->isChecked()); // the right button only takes the focus and picks the field
+        QVERIFY(w.entry().selection().active());
+
+        // The left button and Space toggle as ever, before any search has run.
+        QTest::mouseClick(vip, Qt::LeftButton);
+        QVERIFY(!vip->isChecked());
+        QCOMPARE(w.database().page().CheckValue[1], 0);
+        QWidget *focused = focusedWidgetOf(&w);
+        QCOMPARE(focused, static_cast<QWidget *>(vip));
+        QTest::keyClick(focused, Qt::Key_Space);
+        QVERIFY(vip->isChecked());
+        QCOMPARE(w.database().page().CheckValue[1], 1);
+        QVERIFY(w.database().store().RecordDirty());
+    }
+
     void stopKeepsWhatWasFound()
     {
         auto o = openContacts();
