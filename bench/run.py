@@ -21,6 +21,7 @@ slow case, for comparison.
 This is a benchmark, not a test: it checks only that both sides found the same number of rows.
 """
 import argparse
+import json
 import os
 import random
 import shutil
@@ -188,37 +189,91 @@ def main():
             os.path.basename(data), os.path.basename(db), " 4 KB pages" if args.small_pages else " large reads",
             time.perf_counter() - t))
 
-    ff = [cli, "search", image, "--data", data]
+    # The same records stored scrambled, with an image whose design says so: every walk must be as
+    # fast on it as on the plain store.
+    scrambled_image = os.path.join(args.dir, "bench-scrambled.exe")
+    scrambled_data = os.path.join(args.dir, "bench%d-scrambled.dat" % args.records)
+    with open(os.path.join(HERE, "bench_design.json"), encoding="utf-8") as f:
+        design = json.load(f)
+    design["ScrambleRecords"] = 1
+    scrambled_json = os.path.join(args.dir, "bench_design_scrambled.json")
+    with open(scrambled_json, "w", encoding="utf-8") as f:
+        json.dump(design, f)
+    subprocess.run([builder, scrambled_json, "--runtime", cli, "-o", scrambled_image], check=True,
+                   stdout=subprocess.DEVNULL)
+    if args.regenerate or not os.path.exists(scrambled_data) or \
+            os.path.getmtime(scrambled_data) < os.path.getmtime(data):
+        scramble_copy(data, scrambled_data)
+    if not args.no_settle:
+        settle(scrambled_data, args.small_pages)
+
     sq = ["sqlite3", db]
-    cases = [
-        ("count", ff + ["count price>500"], sq + ["SELECT count(*) FROM t WHERE price>500;"], "value"),
-        ("sum", ff + ["sum price"], sq + ["SELECT sum(price) FROM t;"], "value"),
-        ("numeric select", ff + ["select name price where price>=990"],
-         sq + ["SELECT id, name, price FROM t WHERE price>=990 ORDER BY id DESC;"], "rows"),
-        ("pattern select", ff + ["select name code where code=k12*"],
-         sq + ["SELECT id, name, code FROM t WHERE code LIKE 'k12%' ORDER BY id DESC;"], "rows"),
-        ("plain find", ff + [RARE, "--field", "remark"],
-         sq + ["SELECT id, name, city, amount, price, day FROM t WHERE remark LIKE '%" + RARE + "%' ORDER BY id DESC;"],
-         "rows"),
-        ("sort (text)", [cli, "sort", image, "name", "--data", data],
-         sq + ["SELECT id FROM t ORDER BY name COLLATE NOCASE;"], "rows"),
-    ]
+    seven = "name city street amount price qty day"
+
+    def cases(image_path, data_path):
+        ff = [cli, "search", image_path, "--data", data_path]
+        return [
+            ("count", ff + ["count price>500"], sq + ["SELECT count(*) FROM t WHERE price>500;"], "value"),
+            ("sum", ff + ["sum price"], sq + ["SELECT sum(price) FROM t;"], "value"),
+            ("numeric select", ff + ["select name price where price>=990"],
+             sq + ["SELECT id, name, price FROM t WHERE price>=990 ORDER BY id DESC;"], "rows"),
+            ("prefix select", ff + ["select name code where code=k12*"],
+             sq + ["SELECT id, name, code FROM t WHERE code LIKE 'k12%' ORDER BY id DESC;"], "rows"),
+            ("contains select", ff + ["select name where remark=*" + RARE + "*"],
+             sq + ["SELECT id, name FROM t WHERE remark LIKE '%" + RARE + "%' ORDER BY id DESC;"], "rows"),
+            ("plain find", ff + [RARE, "--field", "remark"],
+             sq + ["SELECT id, name, city, amount, price, day FROM t WHERE remark LIKE '%" + RARE + "%' "
+                   "ORDER BY id DESC;"], "rows"),
+            ("list 1 column", ff + ["select name where price<100"],
+             sq + ["SELECT id, name FROM t WHERE price<100 ORDER BY id DESC LIMIT 32000;"], "rows"),
+            ("list 7 columns", ff + ["select %s where price<100" % seven],
+             sq + ["SELECT id, %s FROM t WHERE price<100 ORDER BY id DESC LIMIT 32000;" % seven.replace(" ", ", ")],
+             "rows"),
+            ("sort (text)", [cli, "sort", image_path, "name", "--data", data_path],
+             sq + ["SELECT id FROM t ORDER BY name COLLATE NOCASE;"], "rows"),
+        ]
+
+    def median(cmd):
+        timed(cmd)  # warm
+        return statistics.median(timed(cmd)[0] for _ in range(args.repeat))
+
     load = os.getloadavg()[0]
     print("records %d, repeat %d (median), load average %.2f, %d cores, %s" % (
         args.records, args.repeat, load, os.cpu_count(), time.strftime("%Y-%m-%d %H:%M")))
-    print("%-16s %12s %12s %8s   %s" % ("case", "flatform s", "sqlite s", "ratio", "result (flatform / sqlite)"))
-    for name, fcmd, scmd, kind in cases:
-        _, fout = timed(fcmd)  # warm
-        _, sout = timed(scmd)
-        ft = statistics.median(timed(fcmd)[0] for _ in range(args.repeat))
-        st = statistics.median(timed(scmd)[0] for _ in range(args.repeat))
+    print("%-16s %9s %10s %9s %10s %12s   %s" % ("case", "plain s", "scrambled", "sqlite s", "scr/plain",
+                                               "sqlite/scr", "result (plain / scrambled / sqlite)"))
+    plain_cases, scrambled_cases = cases(image, data), cases(scrambled_image, scrambled_data)
+    times = {}
+    for (name, fcmd, scmd, kind), (_, xcmd, _, _) in zip(plain_cases, scrambled_cases):
+        fout, xout, sout = timed(fcmd)[1], timed(xcmd)[1], timed(scmd)[1]
         if kind == "rows":
-            result = "%d / %d rows" % (lines(fout), lines(sout))
+            result = "%d / %d / %d rows" % (lines(fout), lines(xout), lines(sout))
         else:
-            result = "%s / %s" % (fout.decode().strip(), sout.decode().strip())
-        print("%-16s %12.3f %12.3f %7.1fx   %s" % (name, ft, st, st / ft, result))
+            result = "%s / %s / %s" % (fout.decode().strip(), xout.decode().strip(), sout.decode().strip())
+        if fout != xout:
+            result += "  OUTPUT DIFFERS"
+        ft, xt, st = median(fcmd), median(xcmd), median(scmd)
+        times[name] = (ft, xt)
+        print("%-16s %9.3f %10.3f %9.3f %9.2fx %11.1fx   %s" % (name, ft, xt, st, xt / ft, st / xt, result))
+    one, seven_t = times["list 1 column"], times["list 7 columns"]
+    print("listing 32,000 rows: 7 columns cost %.2fx one column (plain), %.2fx (scrambled)" % (
+        seven_t[0] / one[0], seven_t[1] / one[1]))
     print("peak memory (max RSS, KB): flatform count %d, flatform sort %d, sqlite count %d, sqlite sort %d" % (
-        peak_kb(cases[0][1]), peak_kb(cases[5][1]), peak_kb(cases[0][2]), peak_kb(cases[5][2])))
+        peak_kb(plain_cases[0][1]), peak_kb(plain_cases[-1][1]), peak_kb(plain_cases[0][2]),
+        peak_kb(plain_cases[-1][2])))
+
+
+def scramble_copy(source, target):
+    """Writes `source` with every record byte through the scramble table; the header slot ahead of
+    record 1 (RECORD_LENGTH - 1 bytes) is never scrambled."""
+    table = bytes((i * 167 + 13) % 256 for i in range(256))
+    with open(source, "rb") as src, open(target, "wb") as dst:
+        dst.write(src.read(RECORD_LENGTH - 1))
+        while True:
+            block = src.read(8 << 20)
+            if not block:
+                break
+            dst.write(block.translate(table))
 
 
 if __name__ == "__main__":

@@ -3,6 +3,7 @@
 #include "search/SearchEngine.h"
 
 #include <QJsonArray>
+#include <vector>
 #include <QJsonObject>
 
 namespace ff::cli {
@@ -148,13 +149,15 @@ QJsonObject SearchCommand::resultObject(const SearchResult &result, const Search
         for (int k = 0; k < result.columnCount; ++k)
             columns.append(elementCode(result.columns[size_t(k)]));
         // Each value on its own, read from the record again: a value may hold the row's "~".
+        std::vector<ResultRowBuilder> builders;
+        for (int k = 0; k < result.columnCount; ++k)
+            builders.push_back(engine.rowBuilder(&result.columns[size_t(k)], 1));
         QJsonArray rows;
         for (const int record : result.hits) {
             QJsonArray values;
             const Result<QByteArray> plain = db.store().readPlainRecord(record);
             for (int k = 0; plain && k < result.columnCount; ++k) {
-                const QString one = engine.rowText(record, reinterpret_cast<const uint8_t *>(plain->constData()),
-                                                   &result.columns[size_t(k)], 1);
+                const QString one = builders[size_t(k)].row(record, reinterpret_cast<const uint8_t *>(plain->constData()));
                 values.append(one.mid(one.indexOf(QLatin1Char('~')) + 1));
             }
             rows.append(QJsonObject{{QStringLiteral("record"), record}, {QStringLiteral("values"), values}});

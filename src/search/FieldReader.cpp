@@ -6,13 +6,51 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 namespace ff {
 
-FieldReader::FieldReader(QChar decimalSeparator, QLocale locale)
+FieldReader::FieldReader(QChar decimalSeparator, QLocale locale, StoredBytes stored)
     : separator_(decimalSeparator.unicode() < 128 ? static_cast<char>(decimalSeparator.unicode()) : '.'),
-      locale_(std::move(locale))
+      locale_(std::move(locale)), stored_(stored)
 {
+}
+
+namespace {
+
+// The plain bytes of a stored slice: the slice itself in a plain file, else a copy on the stack
+// (or the heap for a long note).
+class PlainSlice {
+public:
+    PlainSlice(const StoredBytes &stored, const uint8_t *p, int length)
+    {
+        if (!stored.scrambled()) {
+            data_ = p;
+            return;
+        }
+        uint8_t *into = buffer_;
+        if (length > int(sizeof buffer_)) {
+            heap_.resize(size_t(length));
+            into = heap_.data();
+        }
+        stored.copyPlain(p, length, into);
+        data_ = into;
+    }
+    const uint8_t *data() const { return data_; }
+
+private:
+    const uint8_t *data_ = nullptr;
+    uint8_t buffer_[256];
+    std::vector<uint8_t> heap_;
+};
+
+} // namespace
+
+double FieldReader::storedVal(const uint8_t *p, int length) const
+{
+    const int n = stored_.trimmedLength(p, length);
+    const PlainSlice plain(stored_, p, n);
+    return valBytes(plain.data(), n);
 }
 
 int64_t FieldReader::toFixed(double value)
@@ -21,27 +59,6 @@ int64_t FieldReader::toFixed(double value)
     if (!(std::fabs(scaled) < 9.2e18))
         return scaled < 0 ? INT64_MIN : INT64_MAX;
     return static_cast<int64_t>(scaled);
-}
-
-double FieldReader::readDouble(const uint8_t *p)
-{
-    double v;
-    std::memcpy(&v, p, 8); // the records are little-endian, as is this machine
-    return v;
-}
-
-int64_t FieldReader::readInt64(const uint8_t *p)
-{
-    int64_t v;
-    std::memcpy(&v, p, 8);
-    return v;
-}
-
-int32_t FieldReader::readInt32(const uint8_t *p)
-{
-    int32_t v;
-    std::memcpy(&v, p, 4);
-    return v;
 }
 
 double FieldReader::valBytes(const uint8_t *p, int length) const
@@ -152,32 +169,27 @@ bool FieldReader::fixedValue(const SearchField &f, const uint8_t *record, int64_
 {
     const uint8_t *p = record + f.offset;
     switch (f.value) {
-    case ValueKind::Currency: out = readInt64(p); return true;
-    case ValueKind::Whole: out = int64_t(readInt32(p)) * 10000; return true;
-    case ValueKind::Float: out = toFixed(readDouble(p)); return true;
-    case ValueKind::CheckByte: out = (p[0] >= '0' && p[0] <= '9') ? int64_t(p[0] - '0') * 10000 : 0; return true;
-    case ValueKind::Text:
-    case ValueKind::NumberText: out = toFixed(valBytes(p, trimmedLength(p, f.length))); return true;
-    case ValueKind::TimeText: {
-        const int n = trimmedLength(p, f.length);
-        double day = 0;
-        if (n == 0) {
-            out = 0;
-            return true;
-        }
-        if (!timeValue(p, n, day))
-            return false;
-        out = toFixed(day);
+    case ValueKind::Currency: out = stored_.readInt64(p); return true;
+    case ValueKind::Whole: out = int64_t(stored_.readInt32(p)) * 10000; return true;
+    case ValueKind::Float: out = toFixed(stored_.readDouble(p)); return true;
+    case ValueKind::CheckByte: {
+        const uint8_t c = stored_.plain(p[0]);
+        out = (c >= '0' && c <= '9') ? int64_t(c - '0') * 10000 : 0;
         return true;
     }
+    case ValueKind::Text:
+    case ValueKind::NumberText: out = toFixed(storedVal(p, f.length)); return true;
+    case ValueKind::TimeText:
     case ValueKind::DateText: {
-        const int n = trimmedLength(p, f.length);
+        const int n = stored_.trimmedLength(p, f.length);
         double day = 0;
         if (n == 0) {
             out = 0;
             return true;
         }
-        if (!dateValue(p, n, day))
+        const PlainSlice plain(stored_, p, n);
+        const bool read = f.value == ValueKind::TimeText ? timeValue(plain.data(), n, day) : dateValue(plain.data(), n, day);
+        if (!read)
             return false;
         out = toFixed(day);
         return true;
@@ -190,9 +202,9 @@ double FieldReader::numberValue(const SearchField &f, const uint8_t *record) con
 {
     const uint8_t *p = record + f.offset;
     switch (f.value) {
-    case ValueKind::Currency: return double(readInt64(p)) / 10000.0;
-    case ValueKind::Whole: return readInt32(p);
-    case ValueKind::Float: return readDouble(p);
+    case ValueKind::Currency: return double(stored_.readInt64(p)) / 10000.0;
+    case ValueKind::Whole: return stored_.readInt32(p);
+    case ValueKind::Float: return stored_.readDouble(p);
     default: {
         int64_t v = 0;
         return fixedValue(f, record, v) ? double(v) / 10000.0 : 0.0;

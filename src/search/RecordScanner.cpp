@@ -79,14 +79,12 @@ bool RecordScanner::load(int64_t first, int64_t last, uint8_t *into)
         done += size_t(n);
     }
     if (done < want) {
-        // The stored blank, so that unscrambling gives blanks too.
+        // The stored blank, so that a missing record reads as a blank one in either form.
         uint8_t blank = ' ';
         if (scrambled_)
             ScrambleBytes(reinterpret_cast<char *>(&blank), 1);
         std::memset(into + done, blank, want - done);
     }
-    if (scrambled_)
-        UnscrambleBytes(reinterpret_cast<char *>(into), qsizetype(want));
     return true;
 }
 
@@ -159,7 +157,7 @@ const uint8_t *RecordScanner::fetch(int64_t record, Access access)
     window(mapRecords_, first, last);
     blockFirst_ = 1;
     blockLast_ = 0;
-    if (scrambled_ || !map(first, last)) {
+    if (!map(first, last)) {
         unmap();
         window(blockRecords_, first, last);
         const size_t bytes = size_t(last - first + 1) * size_t(length_);
@@ -174,6 +172,16 @@ const uint8_t *RecordScanner::fetch(int64_t record, Access access)
     return blockData_ + size_t(record - first) * size_t(length_);
 }
 
+const uint8_t *RecordScanner::record(int64_t record, Access access)
+{
+    const uint8_t *p = stored(record, access);
+    if (!p || !scrambled_)
+        return p;
+    plain_.assign(p, p + length_);
+    UnscrambleBytes(reinterpret_cast<char *>(plain_.data()), length_);
+    return plain_.data();
+}
+
 Status RecordScanner::write(int64_t record, int offset, const QByteArray &bytes)
 {
     const Place p = place(record);
@@ -184,13 +192,9 @@ Status RecordScanner::write(int64_t record, int offset, const QByteArray &bytes)
     if (::pwrite(fd, bytes.constData(), size_t(bytes.size()), at) != bytes.size())
         return makeError(ErrorCode::PathError, file_.partName(p.part));
     // Later reads of this record see the new bytes (a mapping sees them by itself).
-    if (!map_ && record >= blockFirst_ && record <= blockLast_) {
-        QByteArray plain = bytes;
-        if (scrambled_)
-            UnscrambleBytes(plain.data(), plain.size());
-        std::memcpy(block_.data() + size_t(record - blockFirst_) * size_t(length_) + offset, plain.constData(),
-                    size_t(plain.size()));
-    }
+    if (!map_ && record >= blockFirst_ && record <= blockLast_)
+        std::memcpy(block_.data() + size_t(record - blockFirst_) * size_t(length_) + offset, bytes.constData(),
+                    size_t(bytes.size()));
     return {};
 }
 

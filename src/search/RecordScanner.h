@@ -1,15 +1,17 @@
 #pragma once
-// Reads the records of a file set for the walks of the search and the sort: a window of a few
-// megabytes of whole records when the walk goes through the file in order, one positioned read per
-// record when it jumps (a result list, a sort order). A window of a plain file is mapped from the
-// page cache rather than copied, and its pages are mapped as the walk first touches them (the
+// Reads the records of a file set for the walks of the search, the sort and the exports: a window
+// of a few megabytes of whole records when the walk goes through the file in order, one
+// positioned read per record when it jumps (a result list, a sort order). A window is mapped from
+// the page cache rather than copied, and its pages are mapped as the walk first touches them (the
 // kernel maps a run of cached pages per fault, cheaper than populating the window up front); a
-// scrambled file, or a window that reaches past the end of its part, is read into a buffer and
-// unscrambled there. The records are handed out in place and stay valid until the next call:
-// nothing is copied per record and memory stays at one window whatever the size of the store.
-// Files of a record set only grow, so a mapped window never loses its pages. Record positions
-// follow the record file's reading rule, parts included. The scanner keeps its own descriptors,
-// so that the store's open part and its lock are not disturbed; a scanner serves one thread.
+// window that reaches past the end of its part is read into a buffer. Plain and scrambled files
+// are read alike: `stored` hands out the bytes as the file holds them, and the walk turns into
+// plain bytes only what it tests (see StoredBytes); `record` hands out the plain record, a copy
+// for a scrambled file. Records stay valid until the next call: nothing is copied per record on
+// the stored path and memory stays at one window whatever the size of the store. Files of a
+// record set only grow, so a mapped window never loses its pages. Record positions follow the
+// record file's reading rule, parts included. The scanner keeps its own descriptors, so that the
+// store's open part and its lock are not disturbed; a scanner serves one thread.
 
 #include "core/Result.h"
 #include "store/RecordFile.h"
@@ -32,14 +34,17 @@ public:
     RecordScanner &operator=(const RecordScanner &) = delete;
 
     enum class Access { Forward, Backward, Random };
-    // The plain bytes of record `record` (RecordLength of them), or null when it cannot be read.
+    // The stored bytes of record `record` (RecordLength of them), or null when it cannot be read.
     // A record beyond the end of its part reads as blanks.
-    const uint8_t *record(int64_t record, Access access)
+    const uint8_t *stored(int64_t record, Access access)
     {
         if (record >= blockFirst_ && record <= blockLast_) // most calls: the present window
             return blockData_ + size_t(record - blockFirst_) * size_t(length_);
         return fetch(record, access);
     }
+    // The plain bytes of record `record`: the stored ones of a plain file, an unscrambled copy
+    // (valid until the next call) of a scrambled one.
+    const uint8_t *record(int64_t record, Access access);
 
     // Asks the processor to fetch `offset` of `record` when it is in the present window: the walk
     // names the record it will want a few steps ahead.
@@ -82,6 +87,7 @@ private:
     int64_t mapRecords_;
     std::vector<uint8_t> block_;
     std::vector<uint8_t> single_;
+    std::vector<uint8_t> plain_;
     int64_t blockFirst_ = 1, blockLast_ = 0;
     const uint8_t *blockData_ = nullptr; // the window: block_ or a mapping
     void *map_ = nullptr;

@@ -5,6 +5,7 @@
 #include "search/CaseFold.h"
 #include "search/FieldReader.h"
 #include "search/RecordScanner.h"
+#include "search/SearchWalk.h"
 #include "store/RecordStore.h"
 
 #include <atomic>
@@ -36,122 +37,9 @@ CompiledQuery SearchEngine::compile(const QString &line, bool matchCase, const S
     return parser_.parse(line, matchCase, focus);
 }
 
-namespace {
-
-bool compareFixed(int64_t value, int op, int64_t target)
+ResultRowBuilder SearchEngine::rowBuilder(const SearchField *columns, int count) const
 {
-    switch (op) {
-    case kOpEqual: return value == target;
-    case kOpNotEqual: return value != target;
-    case kOpLessEqual: return value <= target;
-    case kOpGreaterEqual: return value >= target;
-    case kOpLess: return value < target;
-    case kOpGreater: return value > target;
-    default: return false;
-    }
-}
-
-bool compareFind(int64_t value, const FindTerm &t)
-{
-    switch (t.op) {
-    case kFindEqual: return value == t.low;
-    case kFindGreater: return value > t.low;
-    case kFindLess: return value < t.low;
-    case kFindNotEqual: return value != t.low;
-    case kFindLessEqual: return value <= t.low;
-    case kFindGreaterEqual: return value >= t.low;
-    case kFindBetween: return value >= t.low && value <= t.high;
-    default: return false;
-    }
-}
-
-// One condition row against a plain record.
-struct RowTester {
-    const FieldReader &reader;
-    const uint8_t *fold;
-
-    bool holds(const ConditionRow &row, const uint8_t *record) const
-    {
-        if (row.op == kOpName)
-            return false; // a bare name has no test
-        const SearchField &f = row.field;
-        if (f.value == ValueKind::Text) {
-            const uint8_t *p = record + f.offset;
-            if (row.op == kOpEqual)
-                return row.pattern.matchesPadded(p, f.length, fold);
-            const int n = FieldReader::trimmedLength(p, f.length);
-            if (row.op == kOpNotEqual) {
-                if (n != row.text.size())
-                    return true;
-                const auto *t = reinterpret_cast<const uint8_t *>(row.text.constData());
-                for (int k = 0; k < n; ++k)
-                    if (fold[p[k]] != t[k])
-                        return true;
-                return false;
-            }
-            return compareFixed(FieldReader::toFixed(reader.valBytes(p, n)), row.op, row.fixed);
-        }
-        int64_t v = 0;
-        if (!reader.fixedValue(f, record, v))
-            return false;
-        return compareFixed(v, row.op, row.fixed);
-    }
-};
-
-// What one thread's walk over a run of the walk order found.
-struct WalkPart {
-    QVector<int> hits;
-    QStringList rows;
-    int64_t found = 0;
-    int64_t walked = 0;
-    int64_t sumCount = 0;
-    WideFixed sumFixed = 0;
-    double sumFloat = 0;
-    int skippedLocked = 0;
-    int replacements = 0;
-    bool stopped = false; // the stop press ended this part
-};
-
-} // namespace
-
-QString SearchEngine::rowText(int record, const uint8_t *plain, const SearchField *columns, int count) const
-{
-    QString row = QString::number(record);
-    const CodePage &cp = codec_.codePage();
-    for (int k = 0; k < count; ++k) {
-        const SearchField &f = columns[k];
-        row += QLatin1Char('~');
-        const uint8_t *p = plain + f.offset;
-        switch (f.kind) {
-        case SearchKind::Field: {
-            const QByteArray raw = QByteArray::fromRawData(reinterpret_cast<const char *>(plain), layout_.RecordLength);
-            row += codec_.fieldDisplayText(raw, f.index);
-            break;
-        }
-        case SearchKind::Check:
-            row += QString::number((p[0] >= '0' && p[0] <= '9') ? p[0] - '0' : 0);
-            break;
-        case SearchKind::Note: {
-            QString text = cp.decode(reinterpret_cast<const char *>(p), FieldReader::trimmedLength(p, f.length));
-            text.replace(QLatin1String("\r\n"), QLatin1String(" "));
-            text.replace(QLatin1Char('\r'), QLatin1Char(' '));
-            text.replace(QLatin1Char('\n'), QLatin1Char(' '));
-            row += text;
-            break;
-        }
-        case SearchKind::Picture: {
-            int lead = 0;
-            while (lead < f.length && p[lead] == ' ')
-                ++lead;
-            row += cp.decode(reinterpret_cast<const char *>(p + lead), f.length - lead);
-            break;
-        }
-        default:
-            row += cp.decode(reinterpret_cast<const char *>(p), FieldReader::trimmedLength(p, f.length));
-            break;
-        }
-    }
-    return row;
+    return ResultRowBuilder(design_, layout_, codec_, columns, count, locale_);
 }
 
 QString SearchEngine::totalText(WideFixed fixed, double floating, const QString &decimalSeparator)
@@ -177,6 +65,74 @@ QString SearchEngine::totalText(WideFixed fixed, double floating, const QString 
     return text;
 }
 
+namespace {
+
+// Runs one visitor per half of the walk: the whole walk on this thread, or, for a long read-only
+// walk, the first half here and the second on a helper thread with its own scanner. The first
+// half's hits come first, so the hits and rows are those of the one-thread walk, in the same
+// order. Progress and the stop test stay on this thread; after a stop only a leading run of the
+// walk order counts, as it would alone. `makeVisitor(part, scanner)` makes a half's visitor.
+template <class MakeVisitor>
+void RunHalves(const walk::WalkOrder &order, int64_t recordCount, const RecordFile &file, bool scrambled, bool split,
+               const SearchOptions &o, walk::Prefetch prefetch, walk::WalkPart &first, walk::WalkPart &second,
+               MakeVisitor &&makeVisitor)
+{
+    const int64_t total = order.size();
+    const int step = std::max(1, o.progressStep);
+    auto report = [&](int64_t done) {
+        if (!o.progress)
+            return true;
+        o.progress->setPercent(int(done * 100 / std::max<int64_t>(1, total)));
+        return !o.progress->cancelled();
+    };
+    RecordScanner scanner(file, recordCount, scrambled);
+    auto visitor = makeVisitor(first, scanner);
+    if (!split) {
+        walk::WalkPlaces(0, total, order, recordCount, scanner, visitor, first, step, prefetch, report);
+        return;
+    }
+    const int64_t middle = total / 2;
+    std::atomic<bool> stop{false};
+    std::atomic<int64_t> helperDone{0};
+    std::mutex mutex;
+    std::condition_variable finished;
+    bool helperFinished = false;
+    std::thread helper([&] {
+        RecordScanner own(file, recordCount, scrambled);
+        auto helperVisitor = makeVisitor(second, own);
+        walk::WalkPlaces(middle, total, order, recordCount, own, helperVisitor, second, step, prefetch, [&](int64_t k) {
+            helperDone.store(k - middle, std::memory_order_relaxed);
+            return !stop.load(std::memory_order_relaxed);
+        });
+        std::lock_guard<std::mutex> lock(mutex);
+        helperFinished = true;
+        finished.notify_one();
+    });
+    walk::WalkPlaces(0, middle, order, recordCount, scanner, visitor, first, step, prefetch, [&](int64_t k) {
+        if (report(k + helperDone.load(std::memory_order_relaxed)))
+            return true;
+        stop = true;
+        return false;
+    });
+    // Waiting for the second half, still reporting progress and testing the stop press.
+    if (!first.stopped) {
+        for (;;) {
+            {
+                std::unique_lock<std::mutex> lock(mutex);
+                if (finished.wait_for(lock, std::chrono::milliseconds(20), [&] { return helperFinished; }))
+                    break;
+            }
+            if (!report(middle + helperDone.load(std::memory_order_relaxed))) {
+                stop = true;
+                break;
+            }
+        }
+    }
+    helper.join();
+}
+
+} // namespace
+
 SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, MessageSink *messages, FormulaContext *context)
 {
     SearchResult r;
@@ -200,219 +156,72 @@ SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, M
         return r;
     r.ran = true;
 
-    const CodePage &cp = codec_.codePage();
-    const CaseFold fold = q.matchCase ? CaseFold::identity() : CaseFold(cp);
-    const uint8_t *table = fold.table();
-    const FieldReader reader(separator_.isEmpty() ? QLatin1Char('.') : separator_.at(0), locale_);
-    const RowTester tester{reader, table};
+    // Stored bytes are compared where they lie: the case table folds them through the store's
+    // byte substitution first.
+    const bool scrambled = design_.ScrambleRecords == 1;
+    const StoredBytes stored(scrambled);
+    const CaseFold fold = q.matchCase ? CaseFold::identity() : CaseFold(codec_.codePage());
+    const std::array<uint8_t, 256> table = stored.composed(fold.table());
+    const FieldReader reader(separator_.isEmpty() ? QLatin1Char('.') : separator_.at(0), locale_, stored);
+    const walk::ConditionTester tester(reader, table.data());
+    const walk::FindTester finder(q, reader, table.data(), layout_.RecordLength);
 
-    // Which records, in which order.
-    const bool useWithin = o.within && !o.within->isEmpty();
-    const bool useSort = !useWithin && o.sortIndex && (o.order == BrowseOrder::SortIndexUp || o.order == BrowseOrder::SortIndexDown);
-    const int64_t total = useWithin ? o.within->size() : useSort ? std::min<int64_t>(o.sortIndex->size() - 1, recordCount_)
-                                                               : recordCount_;
     const bool ascending = q.command == CommandKind::Sum || o.forward;
-    const RecordScanner::Access access = (useWithin || useSort) ? RecordScanner::Access::Random
-                                         : ascending            ? RecordScanner::Access::Forward
-                                                                : RecordScanner::Access::Backward;
-    auto recordAt = [&](int64_t pos) -> int64_t { // pos 1..total
-        if (useWithin)
-            return o.within->at(pos - 1);
-        if (useSort)
-            return o.order == BrowseOrder::SortIndexDown ? o.sortIndex->at(total + 1 - pos) : o.sortIndex->at(pos);
-        return pos;
-    };
-
-    std::vector<FoldedNeedle> needles;
-    bool trimForTerms = false;
-    for (const FindTerm &t : q.terms) {
-        needles.emplace_back(t.text, table);
-        trimForTerms = trimForTerms || t.text.isEmpty() || t.text.endsWith(' ');
+    const walk::WalkOrder order(o, recordCount_, ascending);
+    walk::Prefetch prefetch;
+    if (!q.conditions.isEmpty()) {
+        prefetch.offset = q.conditions.front().field.offset;
+    } else if (q.findField.valid() && !q.wholeRecord) {
+        prefetch.offset = q.findField.offset;
+        prefetch.length = q.findField.length;
+    } else {
+        prefetch.length = layout_.RecordLength;
     }
 
-    // The first byte the tests read, fetched a few records ahead of the walk.
-    constexpr int64_t kPrefetchDistance = 6;
-    const int prefetchOffset = !q.conditions.isEmpty() ? q.conditions.front().field.offset
-                               : q.findField.valid() && !q.wholeRecord ? q.findField.offset : 0;
-    const int prefetchLength = !q.conditions.isEmpty() ? 1
-                               : q.findField.valid() && !q.wholeRecord ? q.findField.length : layout_.RecordLength;
-
-    const bool canWrite = !readOnly_;
-    const int step = std::max(1, o.progressStep);
-
-    // Walks places [begin, end) of the walk order into `part`. `check(k)` runs before place k
-    // and every `step` places after it; false ends the walk there.
-    auto walk = [&](int64_t begin, int64_t end, WalkPart &part, RecordScanner &scanner, auto &&check) {
-        int untilCheck = 0;
-        for (int64_t k = begin; k < end; ++k) {
-            if (untilCheck-- <= 0) {
-                untilCheck = step - 1;
-                if (!check(k)) {
-                    part.stopped = true;
-                    return;
-                }
-            }
-            const int64_t pos = ascending ? k + 1 : total - k;
-            const int64_t number = recordAt(pos);
-            if (access != RecordScanner::Access::Random)
-                scanner.prefetch(ascending ? number + kPrefetchDistance : number - kPrefetchDistance, prefetchOffset,
-                                 prefetchLength);
-            if (number < 1 || number > recordCount_)
-                continue;
-            const uint8_t *rec = scanner.record(number, access);
-            if (!rec)
-                continue; // a record that cannot be read ends its test
-            ++part.walked;
-
-            bool hit = false;
-            switch (q.command) {
-            case CommandKind::Sum:
-                for (const ConditionRow &row : q.conditions) {
-                    if (row.op != kOpName && !tester.holds(row, rec))
-                        continue;
-                    const SearchField &f = row.field;
-                    const uint8_t *p = rec + f.offset;
-                    switch (f.value) {
-                    case ValueKind::Currency: part.sumFixed += FieldReader::readInt64(p); break;
-                    case ValueKind::Whole: part.sumFixed += WideFixed(FieldReader::readInt32(p)) * 10000; break;
-                    case ValueKind::Float: part.sumFloat += FieldReader::readDouble(p); break;
-                    default: {
-                        int64_t v = 0;
-                        if (reader.fixedValue(f, rec, v))
-                            part.sumFixed += v;
-                        break;
-                    }
-                    }
-                    ++part.sumCount;
-                }
-                continue;
-            case CommandKind::Find: {
-                if (q.comparison) {
-                    int64_t v = 0;
-                    if (!reader.fixedValue(q.findField, rec, v))
-                        break;
-                    hit = q.allTerms;
-                    for (const FindTerm &t : q.terms) {
-                        const bool ok = compareFind(v, t);
-                        if (ok != q.allTerms) {
-                            hit = ok;
-                            break;
-                        }
-                    }
-                    break;
-                }
-                const uint8_t *hay = q.wholeRecord ? rec : rec + q.findField.offset;
-                const int full = q.wholeRecord ? scanner.recordLength() : q.findField.length;
-                // The slice is right-trimmed; that can only matter to a term ending in a blank.
-                const int n = trimForTerms ? FieldReader::trimmedLength(hay, full) : full;
-                hit = q.allTerms;
-                for (const FoldedNeedle &needle : needles) {
-                    const bool ok = needle.foundIn(hay, n);
-                    if (ok != q.allTerms) { // the first missing "+" term, or the first "or" term found
-                        hit = ok;
-                        break;
-                    }
-                }
-                break;
-            }
-            default:
-                hit = true;
-                for (const ConditionRow &row : q.conditions)
-                    if (!tester.holds(row, rec)) {
-                        hit = false;
-                        break;
-                    }
-                break;
-            }
-            if (!hit)
-                continue;
-            ++part.found;
-            if (q.command == CommandKind::Count)
-                continue;
-            if (q.command == CommandKind::Replace) {
-                if (!canWrite || q.replacements.isEmpty())
-                    continue;
-                if (scanner.heldByOther(number)) {
-                    ++part.skippedLocked;
-                    continue;
-                }
-                bool written = true;
-                for (const ReplacementRow &row : q.replacements)
-                    written = scanner.write(number, row.field.offset, row.bytes).ok() && written;
-                if (written)
-                    ++part.replacements;
-                continue;
-            }
-            if (part.hits.size() >= o.hitCap)
-                continue; // the row is lost, the walk goes on
-            part.hits.append(int(number));
-            part.rows.append(rowText(int(number), rec, r.columns.data(), r.columnCount));
-        }
-    };
-
     // Select, the find, count and sum read only, and what they find does not depend on the order
-    // the records are looked at in: a long walk is split into two halves, the second one walked on
-    // a helper thread with its own scanner. The first half's hits come first, so the hits and rows
-    // are those of the one-thread walk, in the same order. Progress and the stop test stay on
-    // this thread; after a stop only a leading run of the walk order counts, as it would alone.
-    // Totals in fixed point add up alike in any order; a float total does not, so a sum over a
-    // float field keeps the one walk.
+    // the records are looked at in: a long walk is split into two halves. Totals in fixed point
+    // add up alike in any order; a float total does not, so a sum over a float field keeps the one
+    // walk.
     bool floatSum = false;
     for (const ConditionRow &row : q.conditions)
         floatSum = floatSum || row.field.value == ValueKind::Float;
     const bool readOnlyWalk = q.command == CommandKind::Select || q.command == CommandKind::Find
                               || q.command == CommandKind::Count || (q.command == CommandKind::Sum && !floatSum);
-    const bool split = readOnlyWalk && o.twoThreadsFrom > 0 && total >= o.twoThreadsFrom
+    const bool split = readOnlyWalk && o.twoThreadsFrom > 0 && order.size() >= o.twoThreadsFrom
                        && std::thread::hardware_concurrency() >= 2;
-    auto report = [&](int64_t done) {
-        if (!o.progress)
-            return true;
-        o.progress->setPercent(int(done * 100 / std::max<int64_t>(1, total)));
-        return !o.progress->cancelled();
+
+    walk::WalkPart first, second;
+    auto conditions = [&](const uint8_t *record) { return tester.allHold(q.conditions, record); };
+    auto terms = [&](const uint8_t *record) { return finder.matches(record); };
+    auto runWith = [&](auto &&makeVisitor) {
+        RunHalves(order, recordCount_, file_, scrambled, split, o, prefetch, first, second, makeVisitor);
     };
-    WalkPart first, second;
-    RecordScanner scanner(file_, recordCount_, design_.ScrambleRecords == 1);
-    if (!split) {
-        walk(0, total, first, scanner, report);
-    } else {
-        const int64_t middle = total / 2;
-        std::atomic<bool> stop{false};
-        std::atomic<int64_t> helperDone{0};
-        std::mutex mutex;
-        std::condition_variable finished;
-        bool helperFinished = false;
-        std::thread helper([&] {
-            RecordScanner own(file_, recordCount_, design_.ScrambleRecords == 1);
-            walk(middle, total, second, own, [&](int64_t k) {
-                helperDone.store(k - middle, std::memory_order_relaxed);
-                return !stop.load(std::memory_order_relaxed);
-            });
-            std::lock_guard<std::mutex> lock(mutex);
-            helperFinished = true;
-            finished.notify_one();
+    switch (q.command) {
+    case CommandKind::Select:
+        runWith([&](walk::WalkPart &part, RecordScanner &) {
+            return walk::ListVisitor<decltype(conditions)>(conditions, part, rowBuilder(r.columns.data(), r.columnCount),
+                                                           stored, o.hitCap, layout_.RecordLength);
         });
-        walk(0, middle, first, scanner, [&](int64_t k) {
-            if (report(k + helperDone.load(std::memory_order_relaxed)))
-                return true;
-            stop = true;
-            return false;
+        break;
+    case CommandKind::Find:
+        runWith([&](walk::WalkPart &part, RecordScanner &) {
+            return walk::ListVisitor<decltype(terms)>(terms, part, rowBuilder(r.columns.data(), r.columnCount), stored,
+                                                      o.hitCap, layout_.RecordLength);
         });
-        // Waiting for the second half, still reporting progress and testing the stop press.
-        if (!first.stopped) {
-            for (;;) {
-                {
-                    std::unique_lock<std::mutex> lock(mutex);
-                    if (finished.wait_for(lock, std::chrono::milliseconds(20), [&] { return helperFinished; }))
-                        break;
-                }
-                if (!report(middle + helperDone.load(std::memory_order_relaxed))) {
-                    stop = true;
-                    break;
-                }
-            }
-        }
-        helper.join();
+        break;
+    case CommandKind::Count:
+        runWith([&](walk::WalkPart &part, RecordScanner &) { return walk::CountVisitor<decltype(conditions)>(conditions, part); });
+        break;
+    case CommandKind::Sum:
+        runWith([&](walk::WalkPart &part, RecordScanner &) { return walk::SumVisitor(tester, q.conditions, part); });
+        break;
+    case CommandKind::Replace:
+        runWith([&](walk::WalkPart &part, RecordScanner &scanner) {
+            return walk::ReplaceVisitor(tester, q, part, scanner, !readOnly_);
+        });
+        break;
     }
+
     r.aborted = first.stopped || second.stopped;
     r.hits = std::move(first.hits);
     r.rows = std::move(first.rows);

@@ -6,13 +6,15 @@
 // run over all records, over a sort order or over the hits of an earlier search. The stop press
 // is learned through ff::Progress every `progressStep` records; what was found until then stands.
 // Long select, find, count and fixed-point sum walks run their second half on a helper thread
-// (see SearchOptions::twoThreadsFrom); the result is that of the one-thread walk.
+// (see SearchOptions::twoThreadsFrom); the result is that of the one-thread walk. Plain and
+// scrambled stores are walked alike, in place (see StoredBytes).
 
 #include "core/MessageSink.h"
 #include "core/Progress.h"
 #include "design/Design.h"
 #include "search/SearchNames.h"
 #include "search/SearchParser.h"
+#include "search/ResultRowBuilder.h"
 #include "search/SearchQuery.h"
 #include "store/RecordCodec.h"
 #include "store/RecordFile.h"
@@ -82,8 +84,8 @@ public:
     SearchResult run(const CompiledQuery &query, const SearchOptions &options, MessageSink *messages = nullptr,
                      FormulaContext *context = nullptr);
 
-    // The row text of one record for the given columns, as the results list shows it.
-    QString rowText(int record, const uint8_t *plainRecord, const SearchField *columns, int count) const;
+    // The maker of row texts for the given columns, as the results list shows them.
+    ResultRowBuilder rowBuilder(const SearchField *columns, int count) const;
 
     // Decimal text of a total: exact for money, whole numbers and dates.
     static QString totalText(WideFixed fixed, double floating, const QString &decimalSeparator);

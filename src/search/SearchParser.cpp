@@ -112,8 +112,8 @@ void SearchParser::addCondition(CompiledQuery &q, QString token) const
 {
     token = tokenText(token);
     static const char *const ops[] = {"<>", "<=", ">=", "<", ">", "="};
-    static const int codes[] = {kOpNotEqual, kOpLessEqual, kOpGreaterEqual, kOpLess, kOpGreater, kOpEqual};
-    int op = kOpName;
+    static const ConditionOp codes[] = {ConditionOp::NotEqual, ConditionOp::LessEqual, ConditionOp::GreaterEqual, ConditionOp::Less, ConditionOp::Greater, ConditionOp::Equal};
+    ConditionOp op = ConditionOp::Name;
     QString name = token, value;
     for (int k = 0; k < 6; ++k) {
         const qsizetype at = token.indexOf(QLatin1String(ops[k]));
@@ -133,7 +133,7 @@ void SearchParser::addCondition(CompiledQuery &q, QString token) const
         return;
     }
     row.op = op;
-    if (op != kOpName) {
+    if (op != ConditionOp::Name) {
         if (row.field.value == ValueKind::Text) {
             row.text = codePage_.encode(value);
             if (!q.matchCase)
@@ -310,26 +310,26 @@ void SearchParser::parseFind(CompiledQuery &q, QString line, const SearchField &
         };
         QString v = term;
         if (v.startsWith(QLatin1String("<>"))) {
-            t.op = kFindNotEqual;
+            t.op = FindOp::NotEqual;
             v = v.mid(2);
         } else if (v.contains(QLatin1String("><"))) {
-            t.op = kFindBetween;
+            t.op = FindOp::Between;
             const qsizetype at = v.indexOf(QLatin1String("><"));
             t.low = convert(v.left(at));
             t.high = convert(v.mid(at + 2));
             q.terms.append(t);
             continue;
         } else if (v.startsWith(QLatin1String("<="))) {
-            t.op = kFindLessEqual;
+            t.op = FindOp::LessEqual;
             v = v.mid(2);
         } else if (v.startsWith(QLatin1String(">="))) {
-            t.op = kFindGreaterEqual;
+            t.op = FindOp::GreaterEqual;
             v = v.mid(2);
         } else if (v.startsWith(QLatin1Char('>'))) {
-            t.op = kFindGreater;
+            t.op = FindOp::Greater;
             v = v.mid(1);
         } else if (v.startsWith(QLatin1Char('<'))) {
-            t.op = kFindLess;
+            t.op = FindOp::Less;
             v = v.mid(1);
         }
         t.low = t.high = convert(v);

@@ -227,10 +227,10 @@ bool SearchPattern::matchGeneral(const uint8_t *value, int length, const uint8_t
     return p == n;
 }
 
-bool SearchPattern::matchesPadded(const uint8_t *value, int length, const uint8_t *fold) const
+bool SearchPattern::matchesPadded(const uint8_t *value, int length, const uint8_t *fold, uint8_t blank) const
 {
     if (!untrimmed_) {
-        while (length > 0 && value[length - 1] == ' ')
+        while (length > 0 && value[length - 1] == blank)
             --length;
     }
     return matches(value, length, fold);

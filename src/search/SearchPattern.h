@@ -19,9 +19,9 @@ public:
 
     // `fold` maps every value byte before it is compared (the pattern is folded already).
     bool matches(const uint8_t *value, int length, const uint8_t *fold) const;
-    // The same for a stored value that still has its trailing blanks: what matches() says of the
-    // value without them. The prefix and contains shapes need no trimming for that.
-    bool matchesPadded(const uint8_t *value, int length, const uint8_t *fold) const;
+    // The same for a stored value that still has its trailing blanks (stored as `blank`): what
+    // matches() says of the value without them. The prefix and contains shapes need no trimming.
+    bool matchesPadded(const uint8_t *value, int length, const uint8_t *fold, uint8_t blank = ' ') const;
 
     enum class Shape { Exact, Prefix, Suffix, Contains, Everything, General };
     Shape shape() const { return shape_; }

@@ -40,11 +40,12 @@ struct SearchField {
     bool numeric() const { return value != ValueKind::Text; }
 };
 
-enum ConditionOp : int { kOpName = -1, kOpEqual = 0, kOpNotEqual = 1, kOpLessEqual = 2, kOpGreaterEqual = 3, kOpLess = 4, kOpGreater = 5 };
+// The comparison of a condition row; Name is a bare name (a sum's field, a select's column).
+enum class ConditionOp { Name, Equal, NotEqual, LessEqual, GreaterEqual, Less, Greater };
 
 struct ConditionRow {
     SearchField field;
-    int op = kOpName;
+    ConditionOp op = ConditionOp::Name;
     int64_t fixed = 0;   // the value in the 4-decimal fixed-point form
     QByteArray text;     // the value as record bytes, folded unless match-case is on
     SearchPattern pattern; // compiled from `text` for the "=" of text
@@ -55,12 +56,12 @@ struct ReplacementRow {
     QByteArray bytes; // exactly field.length bytes, scrambled when the records are
 };
 
-// Operator codes of the plain find's comparisons.
-enum FindOp : int { kFindEqual = 0, kFindGreater = 1, kFindLess = 2, kFindNotEqual = 3, kFindLessEqual = 4, kFindGreaterEqual = 5, kFindBetween = 6 };
+// The plain find's comparisons of a number, date or time.
+enum class FindOp { Equal, Greater, Less, NotEqual, LessEqual, GreaterEqual, Between };
 
 struct FindTerm {
     QByteArray text;    // a text term, folded unless match-case is on
-    int op = kFindEqual; // a comparison term
+    FindOp op = FindOp::Equal; // a comparison term
     int64_t low = 0, high = 0;
 };
 

@@ -3,6 +3,7 @@
 #include "search/CaseFold.h"
 #include "search/FieldReader.h"
 #include "search/RecordScanner.h"
+#include "search/StoredBytes.h"
 #include "search/SearchNames.h"
 #include "store/RecordStore.h"
 
@@ -132,6 +133,9 @@ Result<SortIndexBuilder::Outcome> SortIndexBuilder::build(const SearchField &fie
     std::vector<int64_t> currencies;
     std::vector<uint8_t> texts;
     const CaseFold fold{CodePage(design_.FontCharset)};
+    // Keys are read from the stored bytes where they lie, folded through the byte substitution.
+    const StoredBytes stored(design_.ScrambleRecords == 1);
+    const std::array<uint8_t, 256> composed = stored.composed(fold.table());
     if (!numeric)
         texts.resize(size_t(n) * size_t(field.length));
     else if (field.value == ValueKind::Float)
@@ -143,7 +147,7 @@ Result<SortIndexBuilder::Outcome> SortIndexBuilder::build(const SearchField &fie
 
     const int step = std::max(1, progressStep);
     const int width = field.length;
-    const uint8_t *table = fold.table();
+    const uint8_t *table = composed.data();
     for (int64_t r = 1; r <= n; ++r) {
         if (progress && (r - 1) % step == 0) {
             progress->setPercent(int((r - 1) * 100 / n));
@@ -154,7 +158,7 @@ Result<SortIndexBuilder::Outcome> SortIndexBuilder::build(const SearchField &fie
         }
         order[size_t(r - 1)] = int(r);
         scanner.prefetch(r + 8, field.offset, numeric ? 1 : width);
-        const uint8_t *rec = scanner.record(r, RecordScanner::Access::Forward);
+        const uint8_t *rec = scanner.stored(r, RecordScanner::Access::Forward);
         const uint8_t *p = rec ? rec + field.offset : nullptr;
         if (!numeric) {
             uint8_t *slot = texts.data() + size_t(r - 1) * size_t(width);
@@ -165,11 +169,11 @@ Result<SortIndexBuilder::Outcome> SortIndexBuilder::build(const SearchField &fie
             for (int k = 0; k < width; ++k)
                 slot[k] = table[p[k]];
         } else if (field.value == ValueKind::Float) {
-            floats[size_t(r - 1)] = p ? FieldReader::readDouble(p) : 0.0;
+            floats[size_t(r - 1)] = p ? stored.readDouble(p) : 0.0;
         } else if (field.value == ValueKind::Whole) {
-            wholes[size_t(r - 1)] = p ? FieldReader::readInt32(p) : 0;
+            wholes[size_t(r - 1)] = p ? stored.readInt32(p) : 0;
         } else {
-            currencies[size_t(r - 1)] = p ? FieldReader::readInt64(p) : 0;
+            currencies[size_t(r - 1)] = p ? stored.readInt64(p) : 0;
         }
     }
     if (!numeric) {

@@ -1,7 +1,8 @@
 // Records written by the independent writer (tests/support/independent_record_writer.py, made from
-// the file format alone) over several parts, searched here; the expected hits come from the same
-// values by the search rules, computed in the test and not by the engine. Also the sort index
-// over those records: numbers by the Shell sort, texts by the quick sort, each checked for order.
+// the file format alone) over several parts, plain and scrambled, searched here; the expected hits
+// come from the same values by the search rules, computed in the test and not by the engine. Also
+// the sort index over those records: numbers by the Shell sort, texts by the quick sort, each
+// checked for order. A scrambled store must give the plain store's results, rows byte for byte.
 
 #include "search/SearchFixture.h"
 
@@ -30,13 +31,15 @@ struct Value {
     int paid;
 };
 
-class IndependentStore : public ::testing::Test {
+// The parameter: 1 when the records are stored scrambled.
+class IndependentStore : public ::testing::TestWithParam<int> {
 protected:
     static constexpr int kRecords = 203;
     static constexpr int kPerPart = 17;
 
     void SetUp() override
     {
+        design.ScrambleRecords = GetParam();
         QRandomGenerator rnd(1234);
         const char *names[] = {"Anna", "anton", "Bert", "BERTA", "Cleo", "Dora", "Émile", "emil"};
         const char *cities[] = {"Berlin", "Bern", "Bonn", "Oslo", "Lima"};
@@ -64,22 +67,32 @@ protected:
         QJsonArray combos;
         for (size_t i = 1; i < design.Combos.size(); ++i)
             combos.append(QJsonObject{{"maxLength", design.Combos[i].MaxLength}, {"page", 0}});
-        const QJsonObject setup{{"recordsPerPart", kPerPart}, {"scramble", 0}, {"flow", 0}, {"stamp", true},
+        setup = QJsonObject{{"recordsPerPart", kPerPart}, {"scramble", GetParam()}, {"flow", 0}, {"stamp", true},
                                {"title", "Independent"}, {"fields", fields}, {"combos", combos},
                                {"checks", QJsonArray{QJsonObject{{"page", 0}}}}, {"pictures", QJsonArray{}},
                                {"notes", QJsonArray{QJsonObject{{"maxLength", 30}, {"page", 0}}}}, {"records", records}};
-        const QString layoutPath = dir.filePath(QStringLiteral("layout.json"));
-        QFile f(layoutPath);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(QJsonDocument(setup).toJson());
-        f.close();
         dataFile = dir.filePath(QStringLiteral("ind.dat"));
-        const ProgramRun run =
-            runSupportScript(QStringLiteral("independent_record_writer.py"), {QStringLiteral("write"), layoutPath, dataFile});
-        ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+        writeRecords(setup, dataFile);
+        if (GetParam() == 1) { // no record may read as plain text
+            QFile part(dataFile);
+            ASSERT_TRUE(part.open(QIODevice::ReadOnly));
+            ASSERT_FALSE(part.readAll().contains("Berlin"));
+        }
         ASSERT_TRUE(store.openFileSet(dataFile, OpenMode::Open, QString()).ok());
         ASSERT_EQ(store.RecordCount(), kRecords);
         ASSERT_GT(store.file().LastPart(), 10);
+    }
+
+    void writeRecords(const QJsonObject &layout, const QString &file)
+    {
+        const QString layoutPath = dir.filePath(QStringLiteral("layout.json"));
+        QFile f(layoutPath);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(QJsonDocument(layout).toJson());
+        f.close();
+        const ProgramRun run =
+            runSupportScript(QStringLiteral("independent_record_writer.py"), {QStringLiteral("write"), layoutPath, file});
+        ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     }
 
     SearchResult run(const QString &line, SearchOptions o = {}, const QString &focus = QStringLiteral("F1"))
@@ -105,9 +118,10 @@ protected:
     Page page{design};
     RecordStore store{design, page};
     std::vector<Value> values;
+    QJsonObject setup;
 };
 
-TEST_F(IndependentStore, SearchesFindWhatTheRulesSay)
+TEST_P(IndependentStore, SearchesFindWhatTheRulesSay)
 {
     EXPECT_EQ(run(QStringLiteral("select name where price>500")).hits, expected([](const Value &v) { return v.cents > 50000; }));
     EXPECT_EQ(run(QStringLiteral("select name where qty<=0 paid=1")).hits,
@@ -132,7 +146,7 @@ TEST_F(IndependentStore, SearchesFindWhatTheRulesSay)
     EXPECT_EQ(run(QStringLiteral("count qty>5")).CountTotal, count);
 }
 
-TEST_F(IndependentStore, SortIndexOrdersEveryKind)
+TEST_P(IndependentStore, SortIndexOrdersEveryKind)
 {
     const SortIndexBuilder builder(design, store.file(), store.RecordCount());
     const SearchNames names(design, store.layout());
@@ -172,7 +186,7 @@ struct StopNow : Progress {
     bool cancelled() override { return true; }
 };
 
-TEST_F(IndependentStore, StoppedSortLeavesFileOrder)
+TEST_P(IndependentStore, StoppedSortLeavesFileOrder)
 {
     store.setBrowseOrder(BrowseOrder::SortIndexUp, QVector<int>{0, 2, 1});
     StopNow stop;
@@ -180,6 +194,66 @@ TEST_F(IndependentStore, StoppedSortLeavesFileOrder)
     ASSERT_TRUE(SortIndexBuilder::BuildSortIndex(store, names.byTag(QStringLiteral("name")), BrowseOrder::SortIndexUp, &stop).ok());
     EXPECT_EQ(store.browseOrder(), BrowseOrder::FileOrder);
 }
+
+// Rows, totals and hits of the same lines over the plain and the scrambled copy of the records.
+TEST_P(IndependentStore, ScrambledStoreGivesThePlainStoresResults)
+{
+    if (GetParam() == 0)
+        GTEST_SKIP() << "compared from the scrambled side";
+    Design plainDesign = searchDesign();
+    Page plainPage{plainDesign};
+    RecordStore plain{plainDesign, plainPage};
+    const QString plainFile = dir.filePath(QStringLiteral("plain.dat"));
+    QJsonObject plainSetup = setup;
+    plainSetup[QStringLiteral("scramble")] = 0;
+    writeRecords(plainSetup, plainFile);
+    ASSERT_TRUE(plain.openFileSet(plainFile, OpenMode::Open, QString()).ok());
+    SearchEngine scrambledEngine(store, QLatin1Char('.'), QLocale(QLocale::English, QLocale::UnitedStates));
+    SearchEngine plainEngine(plain, QLatin1Char('.'), QLocale(QLocale::English, QLocale::UnitedStates));
+    const char *lines[] = {"select name price qty when amount time city paid memo where price>200",
+                           "select name city where name=b* city<>bern",
+                           "select name where name<>anna3",
+                           "select city when where when>=45200 time<12:00",
+                           "select name where qty<=0 paid=1",
+                           "select name where name=*a?",
+                           "sum price",
+                           "sum qty where city=b*",
+                           "sum amount",
+                           "count city=berlin",
+                           "count name>5",
+                           "!cheese",
+                           "+ber +lin",
+                           "anna"};
+    for (const char *line : lines) {
+        for (bool forward : {false, true}) {
+            SearchOptions o;
+            o.forward = forward;
+            o.twoThreadsFrom = forward ? 50 : 0; // both the split walk and the single one
+            const QString text = QString::fromLatin1(line);
+            const SearchField focus = plainEngine.names().byTag(QStringLiteral("name"));
+            const SearchResult a = scrambledEngine.run(scrambledEngine.compile(text, false, focus), o);
+            const SearchResult b = plainEngine.run(plainEngine.compile(text, false, focus), o);
+            EXPECT_TRUE(a.ran) << line;
+            EXPECT_EQ(a.hits, b.hits) << line;
+            EXPECT_EQ(a.rows, b.rows) << line;
+            EXPECT_EQ(a.found, b.found) << line;
+            EXPECT_EQ(a.message, b.message) << line;
+        }
+    }
+    // Sort keys are read through the substitution too.
+    const SearchNames names(design, store.layout());
+    for (const char *tag : {"name", "price", "amount", "qty", "city"}) {
+        const SortIndexBuilder scrambledSort(design, store.file(), store.RecordCount());
+        const SortIndexBuilder plainSort(plainDesign, plain.file(), plain.RecordCount());
+        const SearchField field = names.byTag(QString::fromLatin1(tag));
+        const Result<SortIndexBuilder::Outcome> a = scrambledSort.build(field);
+        const Result<SortIndexBuilder::Outcome> b = plainSort.build(field);
+        ASSERT_TRUE(a.ok() && b.ok());
+        EXPECT_EQ(a->SortIndex, b->SortIndex) << tag;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(PlainAndScrambled, IndependentStore, ::testing::Values(0, 1));
 
 TEST(SortAlgorithms, ShellAndTextSortKeepKeysWithTheirEntries)
 {

@@ -164,17 +164,17 @@ TEST_F(SearchParserTest, ConditionRowsOperatorsAndValues)
 {
     const CompiledQuery q = parse("count price>=10.5 qty<>3 when<2024-01-02 paid=1 city=b* size<=2.5 nothing=1 amount");
     ASSERT_EQ(q.conditions.size(), 7);
-    EXPECT_EQ(q.conditions[0].op, kOpGreaterEqual);
+    EXPECT_EQ(q.conditions[0].op, ConditionOp::GreaterEqual);
     EXPECT_EQ(q.conditions[0].fixed, 105000);
-    EXPECT_EQ(q.conditions[1].op, kOpNotEqual);
+    EXPECT_EQ(q.conditions[1].op, ConditionOp::NotEqual);
     EXPECT_EQ(q.conditions[1].fixed, 30000);
-    EXPECT_EQ(q.conditions[2].op, kOpLess);
+    EXPECT_EQ(q.conditions[2].op, ConditionOp::Less);
     EXPECT_EQ(q.conditions[2].fixed, int64_t(NumberFromDate(QDate(2024, 1, 2))) * 10000);
     EXPECT_EQ(q.conditions[3].field.kind, SearchKind::Check);
     EXPECT_EQ(q.conditions[4].field.kind, SearchKind::Combo);
     EXPECT_EQ(q.conditions[4].text, QByteArray("b*"));
     EXPECT_EQ(q.conditions[5].fixed, 25000);
-    EXPECT_EQ(q.conditions[6].op, kOpName);
+    EXPECT_EQ(q.conditions[6].op, ConditionOp::Name);
     // The operators are looked for in a fixed order, not by position: "<" is found before "=".
     const CompiledQuery odd = parse("count name=a<b");
     ASSERT_EQ(odd.conditions.size(), 0); // "name=a" is no name
@@ -197,8 +197,8 @@ TEST_F(SearchParserTest, ColumnsSumTokensAndReplacements)
 
     const CompiledQuery sum = parse("sum price where price>100");
     ASSERT_EQ(sum.conditions.size(), 2);
-    EXPECT_EQ(sum.conditions[0].op, kOpName);
-    EXPECT_EQ(sum.conditions[1].op, kOpGreater);
+    EXPECT_EQ(sum.conditions[0].op, ConditionOp::Name);
+    EXPECT_EQ(sum.conditions[1].op, ConditionOp::Greater);
 
     const CompiledQuery rep = parse("replace price=2.5 qty=7 name='Big Al' when=2024-01-02 paid=1 nothing=1 where qty>1", true);
     ASSERT_EQ(rep.replacements.size(), 5);
@@ -230,12 +230,12 @@ TEST_F(SearchParserTest, FindTermsAndComparisons)
 
     const CompiledQuery between = parse("10><20", false, "price");
     ASSERT_TRUE(between.comparison);
-    EXPECT_EQ(between.terms[0].op, kFindBetween);
+    EXPECT_EQ(between.terms[0].op, FindOp::Between);
     EXPECT_EQ(between.terms[0].low, 100000);
     EXPECT_EQ(between.terms[0].high, 200000);
-    EXPECT_EQ(parse("<>5", false, "qty").terms[0].op, kFindNotEqual);
-    EXPECT_EQ(parse("<=5", false, "qty").terms[0].op, kFindLessEqual);
-    EXPECT_EQ(parse(">5", false, "qty").terms[0].op, kFindGreater);
+    EXPECT_EQ(parse("<>5", false, "qty").terms[0].op, FindOp::NotEqual);
+    EXPECT_EQ(parse("<=5", false, "qty").terms[0].op, FindOp::LessEqual);
+    EXPECT_EQ(parse(">5", false, "qty").terms[0].op, FindOp::Greater);
     EXPECT_EQ(parse("1,234.5", false, "price").terms[0].low, 12345000);
     // Times: 930 is 09:30, 93015 09:30:15; "p" in the line makes it afternoon for short times.
     EXPECT_EQ(parse("93015", false, "time").terms[0].low, FieldReader::toFixed((9 * 3600 + 30 * 60 + 15) / 86400.0));
