@@ -16,7 +16,7 @@ enum class FocusKind : uint8_t { None = 0, Field = 1, Combo = 2, Check = 3, Note
 
 struct EntryState {
     FocusKind focusKind = FocusKind::Field;
-    int focusIndex = 0;
+    int focusIndex = 0; // FieldEntry starts it at field 1 when the design has fields
     // The text of the focused field or combo when it got the focus; leaving compares against it.
     QString focusText;
     // Raised by any typed key; cleared when the field is left.

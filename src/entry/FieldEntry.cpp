@@ -23,6 +23,9 @@ FieldEntry::FieldEntry(Page &page, EntryHost &host, QLocale locale, const Clock 
     : page_(page), host_(host), locale_(std::move(locale)), clock_(&clock),
       codePage_(page.design().FontCharset)
 {
+    // Until an element gets the focus, the first field is the one searched and sorted by.
+    if (page.design().FieldCount > 0)
+        state_.focusIndex = 1;
 }
 
 double FieldEntry::now() const { return NumberFromDateTime(clock_->now()); }

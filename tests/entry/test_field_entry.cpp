@@ -236,6 +236,14 @@ TEST_F(FieldEntryTest, FunctionKeysFillTheFocusedFieldOrCombo)
 
 TEST_F(FieldEntryTest, GettingTheFocusNotesTheFieldAndSetsUpTheAction)
 {
+    // Before any element had the focus, the first field stands noted; a design without fields
+    // notes none.
+    EXPECT_EQ(entry->state().focusKind, FocusKind::Field);
+    EXPECT_EQ(entry->state().focusIndex, 1);
+    Design empty;
+    Page emptyPage(empty);
+    EXPECT_EQ(FieldEntry(emptyPage, host).state().focusIndex, 0);
+
     page->FieldText[1] = QStringLiteral("www.example.org");
     const FieldAction action = entry->fieldGotFocus(1);
     EXPECT_EQ(action.kind, FieldAction::Kind::Internet);

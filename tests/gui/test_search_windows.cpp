@@ -49,6 +49,7 @@ QString writeNamedContacts(const QString &folder)
 
 struct Opened {
     QTemporaryDir dir;
+    QString image;
     std::unique_ptr<gui::MainWindow> window;
 };
 
@@ -77,8 +78,8 @@ void typeContact(gui::MainWindow &w, const QString &first, const QString &last, 
 std::unique_ptr<Opened> openContacts()
 {
     auto o = std::make_unique<Opened>();
-    const QString image = writeNamedContacts(o->dir.path());
-    o->window = std::make_unique<gui::MainWindow>(ParseCommandLine(image, {}), testsupport::loadImage(image));
+    o->image = writeNamedContacts(o->dir.path());
+    o->window = std::make_unique<gui::MainWindow>(ParseCommandLine(o->image, {}), testsupport::loadImage(o->image));
     gui::MainWindow &w = *o->window;
     w.show();
     w.activateWindow();
@@ -409,6 +410,27 @@ private Q_SLOTS:
         w.navigationButton(3)->click();
         seen << s.CurrentRecord();
         QCOMPARE(seen, (QVector<int>{2, 1, 3})); // Turing, Lovelace, Hopper
+    }
+
+    void sortBeforeAnyFieldHadTheFocusSortsByTheFirstField()
+    {
+        auto o = openContacts();
+        o->window.reset(); // saves and closes: a new start on the three records
+        gui::MainWindow w(ParseCommandLine(o->image, {}), testsupport::loadImage(o->image));
+        w.show();
+        focusedWidgetOf(&w);
+        RecordStore &s = w.database().store();
+        // Sort down at once: by the first names, from the end.
+        w.findenAction(2)->trigger();
+        QCOMPARE(s.browseOrder(), BrowseOrder::SortIndexDown);
+        QVector<int> seen;
+        w.navigationButton(0)->click();
+        seen << s.CurrentRecord();
+        for (int k = 0; k < 2; ++k) {
+            w.navigationButton(3)->click();
+            seen << s.CurrentRecord();
+        }
+        QCOMPARE(seen, (QVector<int>{3, 2, 1})); // Grace, Alan, Ada
     }
 
     void pageButtonLineOpensASilentResultsWindow()
