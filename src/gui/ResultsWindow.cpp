@@ -16,6 +16,8 @@
 #include <QTableView>
 #include <QVBoxLayout>
 
+#include <vector>
+
 namespace ff::gui {
 
 namespace {
@@ -35,6 +37,30 @@ public:
 private:
     toolkit::WaitWindow &wait_;
     SearchSession &session_;
+};
+
+// Keeps the search's final word (sum, count, replace) until the wait window is gone, so that the
+// message does not come up behind it.
+class HeldMessages : public MessageSink {
+public:
+    void ShowMessage(const QString &caption, const QString &text, int colour) override
+    {
+        held_.push_back({caption, text, colour});
+    }
+    void showOn(MessageSink &sink)
+    {
+        for (const Held &m : held_)
+            sink.ShowMessage(m.caption, m.text, m.colour);
+        held_.clear();
+    }
+
+private:
+    struct Held {
+        QString caption;
+        QString text;
+        int colour;
+    };
+    std::vector<Held> held_;
 };
 
 // The list's sort kind of a column: money and numbers with decimals as currency, dates as dates,
@@ -213,9 +239,11 @@ void ResultsWindow::runSearch(const QString &line, bool withinHits)
     stopButton_->setEnabled(true);
     StopProgress progress(*wait_, session_);
     options.progress = &progress;
+    HeldMessages messages;
     wait_->begin();
-    SearchResult r = engine.run(query, options, &main_.host(), &main_.context());
+    SearchResult r = engine.run(query, options, &messages, &main_.context());
     wait_->end();
+    messages.showOn(main_.host());
     running_ = false;
     stopButton_->setEnabled(false);
 

@@ -97,9 +97,11 @@ std::unique_ptr<Opened> openContacts()
     return o;
 }
 
-// Answers every program message box that comes up: keeps its text and presses OK.
+// Answers every program message box that comes up: keeps its text and presses OK. Counts the
+// messages that came up while a wait window still stood on the screen.
 struct MessageCatcher {
     QStringList texts;
+    int overWaitWindow = 0;
     QTimer timer;
     MessageCatcher()
     {
@@ -108,6 +110,9 @@ struct MessageCatcher {
             auto *box = qobject_cast<toolkit::MessageWindow *>(QApplication::activeModalWidget());
             if (box && box->isVisible()) {
                 texts << box->messageText();
+                for (QWidget *top : QApplication::topLevelWidgets())
+                    if (qobject_cast<toolkit::WaitWindow *>(top) && top->isVisible())
+                        ++overWaitWindow;
                 box->okButton()->click();
             }
         });
@@ -299,6 +304,7 @@ private Q_SLOTS:
         QCOMPARE(w.context().SumTotal, 400.0);
         searchFor(w, QStringLiteral("replace company=ACME where vip=1"));
         QCOMPARE(messages.texts.value(2), QStringLiteral("2 Replacements"));
+        QCOMPARE(messages.overWaitWindow, 0); // the wait window was gone before each message
         QVERIFY(resultWindows(w).isEmpty());
         QCOMPARE(recordText(w, 3, 3), QStringLiteral("acme")); // the line is lower-cased without match case
         QCOMPARE(recordText(w, 2, 3), QStringLiteral("Bletchley"));
