@@ -75,6 +75,17 @@ QString FormatGeneralDate(double date, const QLocale &locale)
     return text;
 }
 
+QString DatePattern(int fieldType, const QLocale &locale)
+{
+    switch (fieldType) {
+    case kFormatGeneralDate:
+    case kFormatShortDate: return shortDateFormat(locale);
+    case kFormatMediumDate: return QStringLiteral("dd-MMM-yy");
+    case kFormatLongDate: return locale.dateFormat(QLocale::LongFormat);
+    default: return QString();
+    }
+}
+
 QString FormatDateByType(double date, int fieldType, const QLocale &locale)
 {
     const QDateTime dt = DateFromNumber(date);
@@ -83,9 +94,9 @@ QString FormatDateByType(double date, int fieldType, const QLocale &locale)
     const QDate d = dt.date();
     switch (fieldType) {
     case kFormatGeneralDate: return FormatGeneralDate(date, locale);
-    case kFormatShortDate: return locale.toString(d, shortDateFormat(locale));
-    case kFormatMediumDate: return locale.toString(d, QStringLiteral("dd-MMM-yy"));
-    case kFormatLongDate: return locale.toString(d, QLocale::LongFormat);
+    case kFormatShortDate:
+    case kFormatMediumDate:
+    case kFormatLongDate: return locale.toString(d, DatePattern(fieldType, locale));
     case kFormatShortTime: return FormatShortTime(date);
     case kFormatMediumTime: return locale.toString(dt.time(), QStringLiteral("hh:mm AP"));
     case kFormatLongTime: return FormatLongTime(date);

@@ -41,6 +41,8 @@ QString FormatFixed(double value, int decimals, const QLocale &locale, bool grou
 // The system's currency format with `decimals` places.
 QString FormatCurrency(double value, int decimals, const QLocale &locale);
 
+// The QLocale date pattern of a date format (6 to 9; 6 for a date at midnight); empty for others.
+QString DatePattern(int fieldType, const QLocale &locale);
 // A day number shown by a date or time format (6 to 22). Zero is not blanked here.
 QString FormatDateByType(double date, int fieldType, const QLocale &locale);
 // The time of day of a day number as the short time "HH:mm" and as "hh:nn:ss".

@@ -1,7 +1,10 @@
 #include "search/ResultRowBuilder.h"
 
 #include "design/Design.h"
+#include "formula/FieldFormat.h"
 #include "store/RecordLayout.h"
+
+#include <QDate>
 
 #include <charconv>
 #include <cmath>
@@ -37,7 +40,7 @@ void appendDigits(QString &row, uint64_t v)
 ResultRowBuilder::ResultRowBuilder(const Design &design, const RecordLayout &layout, const RecordCodec &codec,
                                    const SearchField *columns, int count, const QLocale &locale)
     : layout_(layout), codec_(codec), count_(std::min(count, kColumnSlots)),
-      hideZeros_(design.ShowZeros == 0), groupMark_(locale.groupSeparator()), decimalMark_(locale.decimalPoint()),
+      hideZeros_(design.ShowZeros == 0), locale_(locale), groupMark_(locale.groupSeparator()), decimalMark_(locale.decimalPoint()),
       minusSign_(locale.negativeSign()), floatPoint_(locale.decimalPoint())
 {
     for (int k = 0; k < count_; ++k) {
@@ -71,7 +74,7 @@ ResultRowBuilder::ResultRowBuilder(const Design &design, const RecordLayout &lay
 // the column goes the codec's way.
 void ResultRowBuilder::calibrate(Column &c)
 {
-    c.fast = c.kind != Kind::Float && c.kind != Kind::Money && c.kind != Kind::Whole;
+    c.fast = c.kind != Kind::Float && c.kind != Kind::Money && c.kind != Kind::Whole && c.kind != Kind::Date;
     if (c.fast)
         return;
     const int at = c.field.offset + 1; // the codec's writers count from 1
@@ -80,6 +83,22 @@ void ResultRowBuilder::calibrate(Column &c)
         return codec_.fieldDisplayText(record, c.field.index);
     };
     bool agree = true;
+    if (c.kind == Kind::Date) {
+        c.datePattern = datePattern(c.field.format);
+        if (c.datePattern.empty())
+            return;
+        // Every month and weekday, both halves of a month, years of two and four digits.
+        for (int k = 0; k < 84 && agree; ++k) {
+            const QDate date = QDate(1900 + (k * 37) % 200, 1 + k % 12, 1 + (k * 5) % 28);
+            const int64_t day = QDate(1899, 12, 30).daysTo(date);
+            RecordCodec::writeInt64(record, at, day * 10000);
+            QString fast;
+            if (appendDate(fast, c, day * 10000))
+                agree = fast == codecText();
+        }
+        c.fast = agree;
+        return;
+    }
     if (c.kind == Kind::Money) {
         static const int64_t probes[] = {0, 1, -1, 49, 50, 51, 5000, -5000, 10050, -10050, 12345, 99995, 999950,
                                          1234567, -7654321, 12340000, 123456789, 1000000000, 98765432101,
@@ -188,6 +207,98 @@ bool ResultRowBuilder::appendFloat(QString &row, double value) const
     return true;
 }
 
+std::vector<ResultRowBuilder::DateToken> ResultRowBuilder::datePattern(int fieldType) const
+{
+    using Part = DateToken::Part;
+    const QString pattern = DatePattern(fieldType, locale_);
+    std::vector<DateToken> tokens;
+    auto literal = [&](QChar ch) {
+        if (tokens.empty() || tokens.back().part != Part::Literal)
+            tokens.push_back(DateToken{});
+        tokens.back().text += ch;
+    };
+    for (qsizetype i = 0; i < pattern.size();) {
+        const QChar ch = pattern[i];
+        if (ch == QLatin1Char('\'')) { // a quoted literal; '' is a quote
+            qsizetype j = i + 1;
+            if (j < pattern.size() && pattern[j] == QLatin1Char('\'')) {
+                literal(ch);
+                i = j + 1;
+                continue;
+            }
+            while (j < pattern.size() && pattern[j] != QLatin1Char('\''))
+                literal(pattern[j++]);
+            i = j + 1;
+            continue;
+        }
+        if (!ch.isLetter()) {
+            literal(ch);
+            ++i;
+            continue;
+        }
+        qsizetype run = 1;
+        while (i + run < pattern.size() && pattern[i + run] == ch)
+            ++run;
+        i += run;
+        DateToken t;
+        if (ch == QLatin1Char('d') && run <= 2)
+            t.part = run == 1 ? Part::Day : Part::Day2;
+        else if (ch == QLatin1Char('d') && run <= 4) {
+            t.part = Part::DayName;
+            for (int w = 0; w < 7; ++w) // 1 January 2001 was a Monday
+                t.names.push_back(locale_.toString(QDate(2001, 1, 1 + w), QString(run, ch)));
+        } else if (ch == QLatin1Char('M') && run <= 2)
+            t.part = run == 1 ? Part::Month : Part::Month2;
+        else if (ch == QLatin1Char('M') && run <= 4) {
+            t.part = Part::MonthName;
+            for (int m = 1; m <= 12; ++m)
+                t.names.push_back(locale_.toString(QDate(2001, m, 1), QString(run, ch)));
+        } else if (ch == QLatin1Char('y') && (run == 2 || run == 4))
+            t.part = run == 2 ? Part::Year2 : Part::Year4;
+        else
+            return {}; // a part only the locale knows how to write
+        tokens.push_back(std::move(t));
+    }
+    return tokens;
+}
+
+bool ResultRowBuilder::appendDate(QString &row, const Column &c, int64_t fixed) const
+{
+    if (c.datePattern.empty() || fixed % 10000 != 0)
+        return false; // a time of day goes the codec's way
+    // Days since 30 December 1899 to a civil date (the proleptic Gregorian calendar).
+    const int64_t z = fixed / 10000 - 25569 + 719468; // days since 1 March of year 0
+    const int64_t era = (z >= 0 ? z : z - 146096) / 146097;
+    const int64_t doe = z - era * 146097;
+    const int64_t yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
+    const int64_t doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
+    const int64_t mp = (5 * doy + 2) / 153;
+    const int day = int(doy - (153 * mp + 2) / 5 + 1);
+    const int month = int(mp < 10 ? mp + 3 : mp - 9);
+    const int64_t year = yoe + era * 400 + (month <= 2 ? 1 : 0);
+    if (year < 1000 || year > 9999)
+        return false;
+    const int weekday = int(((fixed / 10000 - 2) % 7 + 7) % 7); // 0 Monday: day 2 was a Monday
+    auto two = [&](int v) {
+        row += QLatin1Char(char('0' + v / 10));
+        row += QLatin1Char(char('0' + v % 10));
+    };
+    for (const DateToken &t : c.datePattern) {
+        switch (t.part) {
+        case DateToken::Part::Literal: row += t.text; break;
+        case DateToken::Part::Day: appendDigits(row, uint64_t(day)); break;
+        case DateToken::Part::Day2: two(day); break;
+        case DateToken::Part::Month: appendDigits(row, uint64_t(month)); break;
+        case DateToken::Part::Month2: two(month); break;
+        case DateToken::Part::Year2: two(int(year % 100)); break;
+        case DateToken::Part::Year4: appendDigits(row, uint64_t(year)); break;
+        case DateToken::Part::DayName: row += t.names[size_t(weekday)]; break;
+        case DateToken::Part::MonthName: row += t.names[size_t(month - 1)]; break;
+        }
+    }
+    return true;
+}
+
 void ResultRowBuilder::appendCodecText(QString &row, const Column &c, const uint8_t *plain) const
 {
     const QByteArray raw = QByteArray::fromRawData(reinterpret_cast<const char *>(plain), layout_.RecordLength);
@@ -252,6 +363,8 @@ void ResultRowBuilder::appendValue(QString &row, Column &c, const uint8_t *plain
         std::memcpy(&i64, p, 8);
         if (i64 == 0)
             return; // no date: an empty cell
+        if (c.fast && appendDate(row, c, i64))
+            return;
         const auto it = c.dates.constFind(i64);
         if (it != c.dates.constEnd()) {
             row += *it;

@@ -3,7 +3,8 @@
 // each column shows on the page, byte for byte. A long hit list must cost little more than the
 // walk that found it, so the common kinds are formatted by small routines instead of a locale's
 // string round trip per value: money and whole numbers by integer digits with the locale's marks,
-// floating numbers by std::to_chars, dates through a cache of the texts already made. Each fast
+// floating numbers by std::to_chars, dates by their locale pattern from the day number (a date
+// with a time of day through a cache of the texts already made). Each fast
 // routine is checked once against the codec's own text on a set of probe values when the builder
 // is made; a column whose routine disagrees on any probe (another locale's grouping, other
 // formatting hooks) keeps the codec's way for every value. Values outside the exact range of the
@@ -17,6 +18,7 @@
 #include <QString>
 #include <array>
 #include <cstdint>
+#include <vector>
 
 namespace ff {
 
@@ -37,12 +39,19 @@ public:
 
 private:
     enum class Kind { Text, Note, Picture, Check, Float, Money, Whole, Date };
+    // One piece of a date pattern: a literal text, a number of the date, or a name.
+    struct DateToken {
+        enum class Part { Literal, Day, Day2, Month, Month2, Year2, Year4, DayName, MonthName } part = Part::Literal;
+        QString text;
+        std::vector<QString> names; // weekday names Monday first, or month names January first
+    };
     struct Column {
         SearchField field;
         Kind kind = Kind::Text;
         int decimals = 0;
         bool fast = false;
-        QHash<int64_t, QString> dates; // texts of the dates met so far
+        std::vector<DateToken> datePattern; // empty: the pattern has parts the fast way lacks
+        QHash<int64_t, QString> dates;      // texts the codec made, by stored value
     };
 
     void appendValue(QString &row, Column &c, const uint8_t *plain);
@@ -51,6 +60,9 @@ private:
     // it must go the codec's way.
     bool appendFixed(QString &row, int64_t fixed, int decimals) const;
     bool appendFloat(QString &row, double value) const;
+    // A whole day number by the column's date pattern; false when it must go the codec's way.
+    bool appendDate(QString &row, const Column &c, int64_t fixed) const;
+    std::vector<DateToken> datePattern(int fieldType) const;
     void calibrate(Column &c);
 
     const RecordLayout &layout_;
@@ -58,6 +70,7 @@ private:
     std::array<Column, kColumnSlots> columns_{};
     int count_ = 0;
     bool hideZeros_ = false;
+    QLocale locale_;
     QString groupMark_, decimalMark_, minusSign_, floatPoint_;
 };
 

@@ -163,7 +163,7 @@ SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, M
     const CaseFold fold = q.matchCase ? CaseFold::identity() : CaseFold(codec_.codePage());
     const std::array<uint8_t, 256> table = stored.composed(fold.table());
     const FieldReader reader(separator_.isEmpty() ? QLatin1Char('.') : separator_.at(0), locale_, stored);
-    const walk::ConditionTester tester(reader, table.data());
+    const walk::ConditionTester tester(reader, table.data(), q.conditions);
     const walk::FindTester finder(q, reader, table.data(), layout_.RecordLength);
 
     const bool ascending = q.command == CommandKind::Sum || o.forward;
@@ -191,7 +191,7 @@ SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, M
                        && std::thread::hardware_concurrency() >= 2;
 
     walk::WalkPart first, second;
-    auto conditions = [&](const uint8_t *record) { return tester.allHold(q.conditions, record); };
+    auto conditions = [&](const uint8_t *record) { return tester.allHold(record); };
     auto terms = [&](const uint8_t *record) { return finder.matches(record); };
     auto runWith = [&](auto &&makeVisitor) {
         RunHalves(order, recordCount_, file_, scrambled, split, o, prefetch, first, second, makeVisitor);

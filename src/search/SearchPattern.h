@@ -25,6 +25,8 @@ public:
 
     enum class Shape { Exact, Prefix, Suffix, Contains, Everything, General };
     Shape shape() const { return shape_; }
+    // The fixed run of the simple shapes (folded).
+    const QByteArray &literal() const { return literal_; }
 
 private:
     struct Token {

@@ -34,6 +34,17 @@ bool compareFind(int64_t value, const FindTerm &t)
 
 } // namespace
 
+ConditionTester::ConditionTester(const FieldReader &reader, const uint8_t *fold, const QVector<ConditionRow> &rows)
+    : reader_(reader), fold_(fold), rows_(rows)
+{
+    for (const ConditionRow &row : rows) {
+        const bool contains = row.op == ConditionOp::Equal && row.field.value == ValueKind::Text
+                              && row.pattern.shape() == SearchPattern::Shape::Contains
+                              && !row.pattern.literal().endsWith(' '); // found within the padded slice
+        contains_.push_back(contains ? std::make_unique<FoldedNeedle>(row.pattern.literal(), fold) : nullptr);
+    }
+}
+
 bool ConditionTester::holds(const ConditionRow &row, const uint8_t *record) const
 {
     if (row.op == ConditionOp::Name)

@@ -11,6 +11,7 @@
 #include "search/SearchEngine.h"
 #include "search/SearchPattern.h"
 
+#include <memory>
 #include <vector>
 
 namespace ff::walk {
@@ -76,14 +77,23 @@ struct WalkPart {
 // the store's byte substitution, so a scrambled record is compared where it lies.
 class ConditionTester {
 public:
-    ConditionTester(const FieldReader &reader, const uint8_t *fold) : reader_(reader), fold_(fold) {}
+    // `rows`: the query's rows, read by allHold(); a "*text*" pattern among them is searched for
+    // sixteen places at a time, like a find term.
+    ConditionTester(const FieldReader &reader, const uint8_t *fold, const QVector<ConditionRow> &rows);
 
     bool holds(const ConditionRow &row, const uint8_t *record) const;
-    bool allHold(const QVector<ConditionRow> &rows, const uint8_t *record) const
+    // All the query's rows hold.
+    bool allHold(const uint8_t *record) const
     {
-        for (const ConditionRow &row : rows)
-            if (!holds(row, record))
+        for (qsizetype k = 0; k < rows_.size(); ++k) {
+            const ConditionRow &row = rows_[k];
+            if (const FoldedNeedle *needle = contains_[size_t(k)].get()) {
+                if (!needle->foundIn(record + row.field.offset, row.field.length))
+                    return false;
+            } else if (!holds(row, record)) {
                 return false;
+            }
+        }
         return true;
     }
     const FieldReader &reader() const { return reader_; }
@@ -91,6 +101,8 @@ public:
 private:
     const FieldReader &reader_;
     const uint8_t *fold_;
+    const QVector<ConditionRow> &rows_;
+    std::vector<std::unique_ptr<FoldedNeedle>> contains_; // per row; null for other tests
 };
 
 // The plain find: text terms in the focused field or the whole record, or comparisons of a
@@ -204,7 +216,7 @@ public:
     }
     void visit(int64_t number, const uint8_t *record)
     {
-        if (!tester_.allHold(query_.conditions, record))
+        if (!tester_.allHold(record))
             return;
         ++part_.found;
         if (!canWrite_ || query_.replacements.isEmpty())

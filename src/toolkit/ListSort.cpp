@@ -16,6 +16,26 @@ ListSort::ListSort()
 {
 }
 
+// The record number at the head of a row: plain digits are read at once, anything else the way
+// Val reads a number.
+static int32_t rowNumberOf(QStringView head)
+{
+    if (!head.isEmpty() && head.size() <= 9) {
+        int32_t v = 0;
+        bool digits = true;
+        for (QChar c : head) {
+            if (c < QLatin1Char('0') || c > QLatin1Char('9')) {
+                digits = false;
+                break;
+            }
+            v = v * 10 + (c.unicode() - '0');
+        }
+        if (digits)
+            return v;
+    }
+    return int32_t(std::clamp(Val(head.toString()), -2147483648.0, 2147483647.0));
+}
+
 void ListSort::AddArray(const QStringList &rows)
 {
     listTop_ = int(rows.size()) - 1;
@@ -25,13 +45,22 @@ void ListSort::AddArray(const QStringList &rows)
         c.assign(n, QString());
     rowOrder_.resize(n);
     rowSelected_.assign(n, 0);
-    static const QString padding(kColumns, QLatin1Char('~'));
     for (size_t i = 0; i < n; ++i) {
-        // The padding gives a short row its eleven columns.
-        const QStringList pieces = (rows[qsizetype(i)] + padding).split(QLatin1Char('~'));
-        rowNumber_[i] = int32_t(std::clamp(Val(pieces[0]), -2147483648.0, 2147483647.0));
-        for (int c = 0; c < kColumns; ++c)
-            columns_[size_t(c)][i] = pieces[c + 1];
+        // The pieces between the "~" marks; a short row leaves its last columns empty. Tens of
+        // thousands of rows come at once: the row is cut in place, each cell copied once.
+        const QStringView row(rows[qsizetype(i)]);
+        qsizetype start = 0;
+        for (int piece = 0; piece <= kColumns; ++piece) {
+            qsizetype end = row.indexOf(QLatin1Char('~'), start);
+            if (end < 0)
+                end = row.size();
+            const QStringView cell = start <= row.size() ? row.mid(start, end - start) : QStringView();
+            if (piece == 0)
+                rowNumber_[i] = rowNumberOf(cell);
+            else
+                columns_[size_t(piece - 1)][i] = cell.toString();
+            start = end + 1;
+        }
         rowOrder_[i] = int32_t(i);
     }
     sortColumn_ = 0;
