@@ -13,9 +13,12 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QStyle>
+#include <QStyleOptionViewItem>
 #include <QTableView>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <vector>
 
 namespace ff::gui {
@@ -260,12 +263,34 @@ void ResultsWindow::runSearch(const QString &line, bool withinHits)
         showResult();
 }
 
+int ResultsWindow::numberColumnWidth() const
+{
+    // As wide as the cell of the largest record number listed needs (its mark box, the digits and
+    // the cell's margins, as the style measures a cell), so that seven digits of a large store
+    // are not cut short; never narrower than the caption's usual width.
+    constexpr int kNarrowest = 70;
+    if (result_.hits.isEmpty())
+        return kNarrowest;
+    const QTableView *view = list_->view();
+    QStyleOptionViewItem cell;
+    cell.initFrom(view->viewport());
+    cell.font = view->font();
+    cell.fontMetrics = view->fontMetrics();
+    cell.text = QString::number(*std::max_element(result_.hits.cbegin(), result_.hits.cend()));
+    cell.features = QStyleOptionViewItem::HasDisplay;
+    if (list_->mSelect != 0)
+        cell.features |= QStyleOptionViewItem::HasCheckIndicator;
+    cell.displayAlignment = Qt::AlignRight | Qt::AlignVCenter;
+    const int slack = 4; // the grid line and a little air
+    return qMax(kNarrowest, view->style()->sizeFromContents(QStyle::CT_ItemViewItem, &cell, QSize(), view).width() + slack);
+}
+
 void ResultsWindow::setUpColumns()
 {
     const Design &d = main_.design();
     const double tpp = twipsPerPixel(this);
     list_->NameButton(0, tr("No."));
-    list_->setColumnWidthPx(0, 70);
+    list_->setColumnWidthPx(0, numberColumnWidth());
     for (int c = 1; c <= toolkit::ListSort::kColumns; ++c) {
         if (c <= result_.columnCount) {
             const SearchField &f = result_.columns[size_t(c - 1)];
@@ -294,7 +319,7 @@ void ResultsWindow::showResult()
     setUpColumns();
     if (!isVisible()) {
         // Wide enough for the listed columns, within the screen.
-        int wanted = 70 + 60;
+        int wanted = numberColumnWidth() + 60;
         for (int c = 1; c <= result_.columnCount; ++c)
             wanted += list_->view()->columnWidth(c);
         int width = qBound(420, wanted, 900);

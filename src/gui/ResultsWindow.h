@@ -60,6 +60,8 @@ public:
 
 private:
     void setUpColumns();
+    // The width of the record number column for the hits listed.
+    int numberColumnWidth() const;
     void showRecord(int32_t record);
     void showResult();
 

@@ -34,9 +34,9 @@ namespace {
 
 // The contacts design with names for its fields, a find-and-replace caption and a page button
 // whose lines are a select and a count.
-QString writeNamedContacts(const QString &folder)
+QString writeNamedContacts(const QString &folder, const std::function<void(Design &)> &more = {})
 {
-    return testsupport::buildExample(QStringLiteral("contacts"), folder, [](Design &d) {
+    return testsupport::buildExample(QStringLiteral("contacts"), folder, [&more](Design &d) {
                d.Fields[1].Tag = QStringLiteral("first");
                d.Fields[2].Tag = QStringLiteral("last");
                d.Fields[3].Tag = QStringLiteral("company");
@@ -44,6 +44,8 @@ QString writeNamedContacts(const QString &folder)
                d.Fields[9].Tag = QStringLiteral("visits");
                d.Finden3Caption = QStringLiteral("Find and &replace");
                d.Buttons[1].ButtonScript = QStringLiteral("select first last where vip=1\r\ncount vip=1");
+               if (more)
+                   more(d);
            }).path;
 }
 
@@ -75,10 +77,10 @@ void typeContact(gui::MainWindow &w, const QString &first, const QString &last, 
 }
 
 // Records 1 to 3: Ada Lovelace (VIP), Alan Turing, Grace Hopper (VIP).
-std::unique_ptr<Opened> openContacts()
+std::unique_ptr<Opened> openContacts(const std::function<void(Design &)> &more = {})
 {
     auto o = std::make_unique<Opened>();
-    o->image = writeNamedContacts(o->dir.path());
+    o->image = writeNamedContacts(o->dir.path(), more);
     o->window = std::make_unique<gui::MainWindow>(ParseCommandLine(o->image, {}), testsupport::loadImage(o->image));
     gui::MainWindow &w = *o->window;
     w.show();
@@ -482,6 +484,42 @@ private Q_SLOTS:
         QVERIFY(vip->isChecked());
         QCOMPARE(w.database().page().CheckValue[1], 1);
         QVERIFY(w.database().store().RecordDirty());
+    }
+
+    void theNumberColumnShowsSevenDigitRecordNumbersWhole()
+    {
+        // Short notes keep a million records within the first file.
+        auto o = openContacts([](Design &d) {
+            for (NoteElement &n : d.Notes)
+                n.MaxLength = qMin(n.MaxLength, 20);
+        });
+        gui::MainWindow &w = *o->window;
+        RecordStore &s = w.database().store();
+        // A store of a million records: a copy of Ada written into the last slot, the slots
+        // between left as a hole in the file.
+        auto plain = s.readPlainRecord(1);
+        QVERIFY(plain.ok());
+        const int last = 1000000;
+        QVERIFY(s.file().writeRecord(last, *plain).ok());
+        QVERIFY(s.refreshCount().ok());
+        QCOMPARE(s.RecordCount(), last);
+
+        gui::ResultsWindow *r = searchFor(w, QStringLiteral("select first last where vip=1"))->lastResults();
+        QVERIFY(r);
+        QCOMPARE(r->result().hits, (QVector<int>{last, 3, 1}));
+        QTableView *view = r->list()->view();
+        const QModelIndex cell = view->model()->index(0, 0);
+        QCOMPARE(cell.data().toString(), QStringLiteral("1000000"));
+        // The cell is as wide as its number needs: the view would show "1000000" unshortened.
+        QStyleOptionViewItem option;
+        option.initFrom(view->viewport());
+        option.font = view->font();
+        const int needed = view->itemDelegateForIndex(cell)->sizeHint(option, cell).width();
+        QVERIFY2(view->columnWidth(0) >= needed, qPrintable(QStringLiteral("%1 < %2").arg(view->columnWidth(0)).arg(needed)));
+        const QRect rect = view->visualRect(cell);
+        const int margin = 2 * (view->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, view) + 1);
+        const QString shown = view->fontMetrics().elidedText(cell.data().toString(), Qt::ElideRight, rect.width() - margin);
+        QCOMPARE(shown, QStringLiteral("1000000"));
     }
 
     void stopKeepsWhatWasFound()
