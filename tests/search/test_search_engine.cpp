@@ -191,6 +191,34 @@ TEST_F(SearchEngineTest, CapKeepsTheFirstRowsAndTheWalkGoesOn)
     EXPECT_EQ(r.walked, 4);
 }
 
+TEST(SearchDefaultCap, ASearchWithTheDefaultOptionsListsExactly32000RowsAndCountsEveryHit)
+{
+    // The cap a user gets, not one a test sets: 32,000 rows. Copies of one record are written
+    // straight into the file, so that the walk meets more hits than that.
+    SearchDb db;
+    db.add({"Anna", "12.50", 3, QDate(2024, 1, 5), 1.25, "09:30:00", "Berlin", "10", 1, "first line"});
+    auto stored = db.store.readPlainRecord(1); // the design does not scramble: as stored
+    ASSERT_TRUE(stored.ok());
+    const int total = 32000 + 777;
+    for (int n = 2; n <= total; ++n)
+        ASSERT_TRUE(db.store.file().writeRecord(n, *stored).ok());
+    ASSERT_TRUE(db.store.refreshCount().ok());
+    ASSERT_EQ(db.store.RecordCount(), total);
+
+    for (const char *line : {"select name price where qty=3", "anna"}) {
+        SCOPED_TRACE(line);
+        const SearchResult r = db.run(QString::fromLatin1(line));
+        EXPECT_EQ(r.hits.size(), 32000);
+        EXPECT_EQ(r.rows.size(), 32000);
+        EXPECT_EQ(r.found, total);
+        EXPECT_EQ(r.walked, total);
+        // Newest first: the rows kept are those of the last 32,000 records.
+        EXPECT_EQ(r.hits.first(), total);
+        EXPECT_EQ(r.hits.last(), total - 32000 + 1);
+        EXPECT_TRUE(r.rows.last().startsWith(QString::number(total - 32000 + 1) + QLatin1Char('~')));
+    }
+}
+
 TEST_F(SearchEngineTest, SearchOnEarlierHitsCoversOnlyThose)
 {
     SearchResult first = db.run(QStringLiteral("select name where city=berlin"));
