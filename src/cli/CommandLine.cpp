@@ -2,7 +2,9 @@
 
 #include "cli/DumpDesignCommand.h"
 #include "cli/EvalCommand.h"
+#include "cli/ExportCommand.h"
 #include "cli/FormulasCommand.h"
+#include "cli/ImportCommand.h"
 #include "cli/RecordsCommand.h"
 #include "cli/SearchCommand.h"
 #include "cli/SortCommand.h"
@@ -18,6 +20,8 @@ std::vector<std::unique_ptr<Command>> allCommands()
     commands.push_back(std::make_unique<EvalCommand>());
     commands.push_back(std::make_unique<SearchCommand>());
     commands.push_back(std::make_unique<SortCommand>());
+    commands.push_back(std::make_unique<ExportCommand>());
+    commands.push_back(std::make_unique<ImportCommand>());
     return commands;
 }
 

@@ -1,0 +1,315 @@
+#include "export/ImportRecordMaker.h"
+
+#include "core/Scramble.h"
+#include "formula/DateReader.h"
+#include "formula/NumberText.h"
+
+#include <cctype>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+namespace ff {
+
+namespace {
+
+constexpr size_t kDateMemory = 8192; // answers of the date reader kept per maker
+
+bool isDateType(int type) { return type >= 6 && type <= 9; }
+bool isNumberType(int type) { return type >= 1 && type <= 5; }
+
+// Money and dates are stored as value times 10,000 in 64 bits.
+bool currencyFits(double v)
+{
+    const double scaled = std::nearbyint(v * 10000.0);
+    return std::isfinite(scaled) && std::fabs(scaled) < 9.2233720368547e18;
+}
+
+// Val's reading of a text already stripped of blanks, tabs and line feeds, with every character
+// outside ASCII made '?': a sign, digits, one point, an exponent in E or D.
+double valOfStripped(const char *s, size_t n)
+{
+    std::string number;
+    number.reserve(n + 1);
+    size_t i = 0;
+    if (i < n && (s[i] == '+' || s[i] == '-'))
+        number.push_back(s[i++]);
+    bool digits = false;
+    while (i < n && s[i] >= '0' && s[i] <= '9') {
+        number.push_back(s[i++]);
+        digits = true;
+    }
+    if (i < n && s[i] == '.') {
+        number.push_back(s[i++]);
+        while (i < n && s[i] >= '0' && s[i] <= '9') {
+            number.push_back(s[i++]);
+            digits = true;
+        }
+    }
+    if (!digits)
+        return 0.0;
+    if (i < n && (s[i] == 'E' || s[i] == 'e' || s[i] == 'D' || s[i] == 'd')) {
+        size_t j = i + 1;
+        std::string exponent(1, 'e');
+        if (j < n && (s[j] == '+' || s[j] == '-'))
+            exponent.push_back(s[j++]);
+        bool expDigits = false;
+        while (j < n && s[j] >= '0' && s[j] <= '9') {
+            exponent.push_back(s[j++]);
+            expDigits = true;
+        }
+        if (expDigits)
+            number += exponent;
+    }
+    return std::strtod(number.c_str(), nullptr);
+}
+
+} // namespace
+
+// ---- columns ----
+
+ImportColumns ImportColumns::match(const Design &design, const QStringList &header)
+{
+    ImportColumns c;
+    auto columnOf = [&header](const QString &name) -> int {
+        const QString upper = name.toUpper();
+        if (upper.isEmpty() || upper == QLatin1String("NO."))
+            return -1;
+        return int(header.indexOf(upper));
+    };
+    auto fill = [&](std::vector<int> &table, size_t size, size_t first, auto nameOf) {
+        table.assign(size, -1);
+        for (size_t i = first; i < size; ++i) {
+            table[i] = columnOf(nameOf(i));
+            if (table[i] >= 0)
+                ++c.matched;
+        }
+    };
+    fill(c.field, design.Fields.size(), 1, [&](size_t i) { return design.Fields[i].Tag; });
+    fill(c.combo, design.Combos.size(), 1, [&](size_t i) { return design.Combos[i].Tag; });
+    fill(c.check, design.Checks.size(), 0, [&](size_t i) { return design.Checks[i].Tag; });
+    fill(c.note, design.Notes.size(), 1, [&](size_t i) { return design.Notes[i].Tag; });
+    c.picture.assign(design.Pictures.size(), -1);
+    for (size_t i = 0; i < design.Pictures.size(); ++i) {
+        if (!design.Pictures[i].Stretch)
+            continue; // only record pictures take a picture from a row
+        c.picture[i] = columnOf(design.Pictures[i].PictureName);
+        if (c.picture[i] >= 0) {
+            ++c.matched;
+            ++c.pictureColumns;
+        }
+    }
+    return c;
+}
+
+// ---- the maker ----
+
+ImportRecordMaker::ImportRecordMaker(const Design &design, const RecordLayout &layout, const ImportColumns &columns,
+                                     FormulaHooks &hooks, QChar decimalSeparator, const Page &blank, QLocale locale)
+    : design_(design), layout_(layout), columns_(columns), hooks_(hooks), decimalSeparator_(decimalSeparator),
+      separatorText_(decimalSeparator), blank_(blank), locale_(std::move(locale)), codePage_(design.FontCharset),
+      codec_(design, layout, hooks, decimalSeparator), page_(design)
+{
+    for (size_t i = 1; i < design.Fields.size(); ++i)
+        formulas_ = formulas_ || !design.Fields[i].FieldFormula.isEmpty();
+    Result<QByteArray> packed = codec_.pack(blank_);
+    blankPlain_ = packed ? codec_.plain(*packed) : QByteArray(layout.RecordLength, ' ');
+}
+
+double ImportRecordMaker::NumberFromBytes(std::string_view bytes, QChar decimalSeparator, const CodePage &codePage)
+{
+    const char16_t sep = decimalSeparator.unicode();
+    if (sep >= 128 || sep == 0) {
+        // A separator outside ASCII: through the text, as the field would read it.
+        return Val(CleanNumberCopy(codePage.decode(bytes.data(), qsizetype(bytes.size())), QString(decimalSeparator)));
+    }
+    // CleanNumber, then Val's skipping of blanks, on the bytes.
+    std::string clean;
+    clean.reserve(bytes.size());
+    const bool otherPoint = sep != '.';
+    const bool letter = std::isalpha(int(sep)) != 0;
+    for (const char c : bytes) {
+        if (otherPoint && c == '.')
+            continue;
+        if (otherPoint && (c == char(sep) || (letter && std::tolower(uint8_t(c)) == std::tolower(int(sep))))) {
+            clean.push_back('.');
+            continue;
+        }
+        if (c == ',' || c == '\'' || uint8_t(c) == 0xA0 || c == ' ' || c == '\t' || c == '\n')
+            continue;
+        clean.push_back(uint8_t(c) < 128 ? c : '?');
+    }
+    return valOfStripped(clean.data(), clean.size());
+}
+
+std::optional<double> ImportRecordMaker::date(std::string_view bytes)
+{
+    std::string key(bytes);
+    if (auto it = dates_.find(key); it != dates_.end())
+        return it->second;
+    const std::optional<double> d = ReadDate(codePage_.decode(bytes.data(), qsizetype(bytes.size())), locale_);
+    if (dates_.size() >= kDateMemory)
+        dates_.clear();
+    dates_.emplace(std::move(key), d);
+    return d;
+}
+
+bool ImportRecordMaker::numberFits(int type, double value) const
+{
+    if (!std::isfinite(value))
+        return false;
+    if (type == 5) {
+        const double v = std::nearbyint(value);
+        return v >= INT32_MIN && v <= INT32_MAX;
+    }
+    return type == 1 || currencyFits(value);
+}
+
+void ImportRecordMaker::putText(char *plain, int offset1, int size, std::string_view bytes) const
+{
+    if (offset1 < 1 || size <= 0 || offset1 - 1 + size > layout_.RecordLength)
+        return;
+    const size_t n = std::min<size_t>(size_t(size), bytes.size());
+    std::memcpy(plain + offset1 - 1, bytes.data(), n);
+    std::memset(plain + offset1 - 1 + n, ' ', size_t(size) - n);
+}
+
+void ImportRecordMaker::fillBytes(const ImportRows &rows, int row, const QString *pictureNames, char *plain,
+                                  QStringList &warnings)
+{
+    QByteArray scratch(8, '\0');
+    for (size_t i = 1; i < design_.Fields.size(); ++i) {
+        const int column = columns_.field[i];
+        const int at = layout_.FieldOffset[i];
+        if (column < 0 || at == 0 || column >= rows.valueCount(row))
+            continue;
+        const std::string_view value = rows.value(row, column);
+        const int type = design_.Fields[i].FieldType;
+        if (isDateType(type)) {
+            const std::optional<double> d = date(value);
+            const double day = d && currencyFits(*d) ? *d : 0.0;
+            RecordCodec::writeInt64(scratch, 1, static_cast<int64_t>(std::nearbyint(day * 10000.0)));
+            std::memcpy(plain + at - 1, scratch.constData(), 8);
+        } else if (isNumberType(type)) {
+            double v = NumberFromBytes(value, decimalSeparator_, codePage_);
+            if (!numberFits(type, v)) {
+                warnings << QStringLiteral("%1 does not fit field %2").arg(codePage_.decode(value.data(), qsizetype(value.size())), design_.Fields[i].Tag);
+                v = 0;
+            }
+            if (type == 1) {
+                // The field shows 15 digits, and that is what it keeps, as when typed.
+                v = Val(NumberToText(v));
+                RecordCodec::writeDouble(scratch, 1, v);
+            } else if (type == 5) {
+                RecordCodec::writeInt32(scratch, 1, static_cast<int32_t>(std::nearbyint(v)));
+            } else {
+                RecordCodec::writeInt64(scratch, 1, static_cast<int64_t>(std::nearbyint(v * 10000.0)));
+            }
+            std::memcpy(plain + at - 1, scratch.constData(), type == 5 ? 4 : 8);
+        } else {
+            putText(plain, at, layout_.FieldSize[i], value);
+        }
+    }
+    for (size_t i = 1; i < design_.Combos.size(); ++i)
+        if (columns_.combo[i] >= 0 && layout_.ComboOffset[i] && columns_.combo[i] < rows.valueCount(row))
+            putText(plain, layout_.ComboOffset[i], layout_.ComboSize[i], rows.value(row, columns_.combo[i]));
+    for (size_t i = 0; i < design_.Checks.size(); ++i) {
+        const int column = columns_.check[i];
+        if (column >= 0 && layout_.CheckOffset[i] && column < rows.valueCount(row))
+            plain[layout_.CheckOffset[i] - 1] = NumberFromBytes(rows.value(row, column), decimalSeparator_, codePage_) != 0 ? '1' : '0';
+    }
+    for (size_t i = 1; i < design_.Notes.size(); ++i)
+        if (columns_.note[i] >= 0 && layout_.NoteOffset[i] && columns_.note[i] < rows.valueCount(row))
+            putText(plain, layout_.NoteOffset[i], layout_.NoteSize[i], rows.value(row, columns_.note[i]));
+    if (pictureNames) {
+        for (size_t i = 0; i < design_.Pictures.size(); ++i) {
+            const int at = layout_.PictureOffset[i];
+            if (columns_.picture[i] < 0 || !at)
+                continue;
+            const QByteArray name = codePage_.encode(pictureNames[i]).left(kPictureNameLength);
+            std::memset(plain + at - 1, ' ', kPictureNameLength);
+            std::memcpy(plain + at - 1 + kPictureNameLength - name.size(), name.constData(), size_t(name.size()));
+        }
+    }
+}
+
+void ImportRecordMaker::fillPage(const ImportRows &rows, int row, const QString *pictureNames, QStringList &warnings)
+{
+    page_.FieldText = blank_.FieldText;
+    page_.FieldDate = blank_.FieldDate;
+    page_.FieldLocked = blank_.FieldLocked;
+    page_.ComboText = blank_.ComboText;
+    page_.CheckValue = blank_.CheckValue;
+    page_.NoteText = blank_.NoteText;
+    page_.PictureRecordName = blank_.PictureRecordName;
+    page_.FlowLabels.clear();
+    page_.FlowImages.clear();
+    page_.RecordStamp = blank_.RecordStamp;
+    auto text = [&](int column) {
+        const std::string_view v = rows.value(row, column);
+        return codePage_.decode(v.data(), qsizetype(v.size()));
+    };
+    for (size_t i = 1; i < design_.Fields.size(); ++i) {
+        const int column = columns_.field[i];
+        if (column < 0 || column >= rows.valueCount(row))
+            continue;
+        const int type = design_.Fields[i].FieldType;
+        if (isDateType(type)) {
+            const std::optional<double> d = date(rows.value(row, column));
+            const double day = d && currencyFits(*d) ? *d : 0.0;
+            page_.FieldDate[qsizetype(i)] = day;
+            page_.FieldText[qsizetype(i)] = day == 0 ? QString() : hooks_.FormatFieldValue(design_, int(i), day);
+        } else if (isNumberType(type)) {
+            double v = NumberFromBytes(rows.value(row, column), decimalSeparator_, codePage_);
+            if (!numberFits(type, v)) {
+                warnings << QStringLiteral("%1 does not fit field %2").arg(text(column), design_.Fields[i].Tag);
+                v = 0;
+            }
+            page_.FieldText[qsizetype(i)] = NumberToText(v, separatorText_);
+        } else {
+            page_.FieldText[qsizetype(i)] = text(column);
+        }
+    }
+    for (size_t i = 1; i < design_.Combos.size(); ++i)
+        if (columns_.combo[i] >= 0 && columns_.combo[i] < rows.valueCount(row))
+            page_.ComboText[qsizetype(i)] = text(columns_.combo[i]);
+    for (size_t i = 0; i < design_.Checks.size(); ++i)
+        if (columns_.check[i] >= 0 && columns_.check[i] < rows.valueCount(row))
+            page_.CheckValue[qsizetype(i)] =
+                NumberFromBytes(rows.value(row, columns_.check[i]), decimalSeparator_, codePage_) != 0 ? 1 : 0;
+    for (size_t i = 1; i < design_.Notes.size(); ++i)
+        if (columns_.note[i] >= 0 && columns_.note[i] < rows.valueCount(row))
+            page_.NoteText[qsizetype(i)] = text(columns_.note[i]);
+    if (pictureNames)
+        for (size_t i = 0; i < design_.Pictures.size(); ++i)
+            if (columns_.picture[i] >= 0)
+                page_.PictureRecordName[qsizetype(i)] = pictureNames[i];
+}
+
+void ImportRecordMaker::make(const ImportRows &rows, int row, int64_t record, const QString *pictureNames, char *out,
+                             QStringList &warnings)
+{
+    const int length = layout_.RecordLength;
+    if (!formulas_) {
+        std::memcpy(out, blankPlain_.constData(), size_t(length));
+        fillBytes(rows, row, pictureNames, out, warnings);
+        if (design_.ScrambleRecords == 1)
+            ScrambleBytes(out, length);
+        return;
+    }
+    fillPage(rows, row, pictureNames, warnings);
+    hooks_.RunFormulas(page_, int(record));
+    Result<QByteArray> packed = codec_.pack(page_);
+    if (!packed) {
+        // A formula gave a value its field cannot hold: the record keeps the new record's
+        // defaults, as a save that fails would.
+        warnings << QStringLiteral("record %1: %2").arg(record).arg(packed.error().text);
+        std::memcpy(out, blankPlain_.constData(), size_t(length));
+        if (design_.ScrambleRecords == 1)
+            ScrambleBytes(out, length);
+        return;
+    }
+    std::memcpy(out, packed->constData(), size_t(std::min<qsizetype>(length, packed->size())));
+}
+
+} // namespace ff
