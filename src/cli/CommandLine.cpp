@@ -2,6 +2,7 @@
 
 #include "cli/DumpDesignCommand.h"
 #include "cli/EvalCommand.h"
+#include "cli/ExportCommand.h"
 #include "cli/FormulasCommand.h"
 #include "cli/ImportCommand.h"
 #include "cli/RecordsCommand.h"
@@ -19,6 +20,7 @@ std::vector<std::unique_ptr<Command>> allCommands()
     commands.push_back(std::make_unique<EvalCommand>());
     commands.push_back(std::make_unique<SearchCommand>());
     commands.push_back(std::make_unique<SortCommand>());
+    commands.push_back(std::make_unique<ExportCommand>());
     commands.push_back(std::make_unique<ImportCommand>());
     return commands;
 }

@@ -1,0 +1,185 @@
+#include "cli/ExportCommand.h"
+
+#include "export/RecordExport.h"
+#include "search/SearchEngine.h"
+#include "search/SearchNames.h"
+#include "search/SortIndexBuilder.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <optional>
+
+namespace ff::cli {
+
+namespace {
+
+const char kKinds[] = "text, copy, template:I, templates:I, xls or listing";
+
+// The kinds by name. The XML records take their place here once they are written.
+std::optional<ExportChoice> parseKind(const QString &word)
+{
+    const QString kind = word.toLower();
+    if (kind == QLatin1String("text"))
+        return ExportChoice{ExportKind::DelimitedText, -1, true};
+    if (kind == QLatin1String("copy"))
+        return ExportChoice{ExportKind::RecordCopy, -1, true};
+    if (kind == QLatin1String("xls"))
+        return ExportChoice{ExportKind::Spreadsheet, -1, true};
+    if (kind == QLatin1String("listing"))
+        return ExportChoice{ExportKind::Listing, -1, true};
+    for (const bool oneFile : {true, false}) {
+        const QString prefix = oneFile ? QStringLiteral("template:") : QStringLiteral("templates:");
+        if (!kind.startsWith(prefix))
+            continue;
+        bool ok = false;
+        const int index = kind.mid(prefix.size()).toInt(&ok);
+        if (!ok || index < 0 || index >= kTemplateCount)
+            return std::nullopt;
+        return ExportChoice::Template(index, oneFile);
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+ExportCommand::ExportCommand()
+    : DatabaseCommand(QStringLiteral("export"), QStringLiteral("KIND OUT"),
+                      QStringLiteral("Writes records to a file as the export command does.\n"
+                                     "KIND is text, copy, template:I (template I, 0 to 9, one file), templates:I (a file\n"
+                                     "a record in a folder), xls or listing. OUT is the folder and name; the kind adds\n"
+                                     "its extension. All records in file order unless --from, --to, --sort or --search.")),
+      fromOption_(QStringLiteral("from"), QStringLiteral("The first place of the range (default 1)."), QStringLiteral("N")),
+      toOption_(QStringLiteral("to"), QStringLiteral("The last place of the range (default the last record)."),
+                QStringLiteral("M")),
+      searchOption_(QStringLiteral("search"),
+                    QStringLiteral("Exports the records a select or find line lists, in its order."),
+                    QStringLiteral("LINE")),
+      sortOption_(QStringLiteral("sort"),
+                  QStringLiteral("Walks the range in the order of one element (a name from the tags, or F1, C1, K0, M1)."),
+                  QStringLiteral("TAG")),
+      downOption_(QStringLiteral("down"), QStringLiteral("With --sort: from the largest value down.")),
+      threadsOption_(QStringLiteral("threads"), QStringLiteral("Threads of the text export (default: as it sees fit)."),
+                     QStringLiteral("N"))
+{
+    addOption(fromOption_);
+    addOption(toOption_);
+    addOption(searchOption_);
+    addOption(sortOption_);
+    addOption(downOption_);
+    addOption(threadsOption_);
+}
+
+std::optional<CliDatabase::Access> ExportCommand::access(const QStringList &arguments, const QCommandLineParser &) const
+{
+    if (arguments.size() != 2)
+        return std::nullopt;
+    return CliDatabase::Access::Read;
+}
+
+bool ExportCommand::chooseRange(CliDatabase &database, const QCommandLineParser &parser, CommandIo &io,
+                                ExportRange &range)
+{
+    RecordStore &store = database.db().store();
+    const int count = store.RecordCount();
+    if (parser.isSet(searchOption_)) {
+        if (parser.isSet(fromOption_) || parser.isSet(toOption_) || parser.isSet(sortOption_)) {
+            io.err << name() << ": --search exports the listed records in their order; it takes no --from, --to or --sort\n";
+            return false;
+        }
+        const QString line = parser.value(searchOption_);
+        SearchEngine engine(store, database.db().DecimalSeparator);
+        const CompiledQuery query = engine.compile(line, false, engine.names().describe(SearchKind::Field, 1));
+        if (!query.unmatchedNames.isEmpty()) {
+            io.err << name() << ": \"" << query.unmatchedNames.join(QStringLiteral("\", \"")) << "\" names no stored element\n";
+            return false;
+        }
+        if (query.command != CommandKind::Select && query.command != CommandKind::Find) {
+            io.err << name() << ": the search line must select or find records\n";
+            return false;
+        }
+        if (!query.runnable() || (query.command == CommandKind::Find && !query.wholeRecord && !query.findField.valid())) {
+            io.err << name() << ": the search line has nothing to find\n";
+            return false;
+        }
+        SearchOptions options;
+        options.hitCap = INT32_MAX;
+        const SearchResult result = engine.run(query, options);
+        if (result.hits.isEmpty()) {
+            io.err << name() << ": the search found no records; nothing exported\n";
+            return false;
+        }
+        range = ExportRange::ResultList(result.hits, count);
+        return true;
+    }
+
+    int first = 1, last = count;
+    for (const auto &[option, value] : {std::pair{&fromOption_, &first}, std::pair{&toOption_, &last}}) {
+        if (!parser.isSet(*option))
+            continue;
+        bool ok = false;
+        *value = parser.value(*option).toInt(&ok);
+        if (!ok) {
+            io.err << name() << ": --" << option->names().first() << " takes a number, not \"" << parser.value(*option) << "\"\n";
+            return false;
+        }
+    }
+    BrowseOrder order = BrowseOrder::FileOrder;
+    if (parser.isSet(sortOption_)) {
+        const SearchNames names(store.design(), store.layout());
+        const SearchField field = names.byTag(parser.value(sortOption_));
+        if (!field.valid()) {
+            io.err << name() << ": no stored element " << parser.value(sortOption_) << "\n";
+            return false;
+        }
+        order = parser.isSet(downOption_) ? BrowseOrder::SortIndexDown : BrowseOrder::SortIndexUp;
+        if (const Status s = SortIndexBuilder::BuildSortIndex(store, field, order); !s) {
+            io.err << name() << ": " << s.error().text << "\n";
+            return false;
+        }
+    } else if (parser.isSet(downOption_)) {
+        io.err << name() << ": --down goes with --sort\n";
+        return false;
+    }
+    range = ExportRange::Records(first, last, count, order, store.SortIndex());
+    return true;
+}
+
+int ExportCommand::executeOn(CliDatabase &database, const QStringList &arguments, const QCommandLineParser &parser,
+                             CommandIo &io)
+{
+    const std::optional<ExportChoice> choice = parseKind(arguments[0]);
+    if (!choice)
+        return usageError(io, QStringLiteral("unknown kind \"%1\" (%2)").arg(arguments[0], QLatin1String(kKinds)));
+    const QFileInfo out(arguments[1]);
+    if (out.fileName().isEmpty() || out.isDir())
+        return usageError(io, QStringLiteral("OUT must name a file in a folder, not \"%1\"").arg(arguments[1]));
+
+    ExportRequest request;
+    request.choice = *choice;
+    request.folder = out.path();
+    request.name = out.fileName();
+    if (parser.isSet(threadsOption_)) {
+        bool ok = false;
+        request.threads = parser.value(threadsOption_).toInt(&ok);
+        if (!ok || request.threads < 1)
+            return usageError(io, QStringLiteral("--threads takes a number from 1"));
+    }
+    if (!chooseRange(database, parser, io, request.range))
+        return 1;
+
+    RecordExport exporter(database.db().store(), database.context());
+    const Result<ExportOutcome> done = exporter.run(request, nullptr);
+    if (!done) {
+        io.err << name() << ": " << done.error().text << "\n";
+        return 1;
+    }
+    io.out << "exported " << done->records << (done->records == 1 ? " record" : " records") << " to "
+           << QDir::toNativeSeparators(done->path);
+    if (done->pictures > 0)
+        io.out << " with " << done->pictures << (done->pictures == 1 ? " picture" : " pictures");
+    io.out << "\n";
+    return 0;
+}
+
+} // namespace ff::cli

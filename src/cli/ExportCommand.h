@@ -1,0 +1,40 @@
+#pragma once
+// export IMAGE KIND OUT [--data FILE] [--from N] [--to M] [--search "LINE"] [--sort TAG [--down]]
+//
+// Writes records of an app image's data file as the export command of the window does. KIND is
+// text (the delimited text), copy (new record files), template:I (template I, 0 to 9, into one
+// file), templates:I (template I, a file a record in a folder), xls (the spreadsheet) or listing
+// (the ".rtf" listing). OUT is the folder and name of the export; its extension is cut and the
+// kind adds its own. The range is all records, or --from and --to, in file order or in the order
+// of --sort; --search exports the records a select or find line lists, in its order.
+
+#include "cli/DatabaseCommand.h"
+
+namespace ff {
+class ExportRange;
+}
+
+namespace ff::cli {
+
+class ExportCommand : public DatabaseCommand {
+public:
+    ExportCommand();
+
+protected:
+    std::optional<CliDatabase::Access> access(const QStringList &arguments, const QCommandLineParser &parser) const override;
+    int executeOn(CliDatabase &database, const QStringList &arguments, const QCommandLineParser &parser,
+                  CommandIo &io) override;
+
+private:
+    // The range the options ask for; false after a message when they do not fit the records.
+    bool chooseRange(CliDatabase &database, const QCommandLineParser &parser, CommandIo &io, ExportRange &range);
+
+    QCommandLineOption fromOption_;
+    QCommandLineOption toOption_;
+    QCommandLineOption searchOption_;
+    QCommandLineOption sortOption_;
+    QCommandLineOption downOption_;
+    QCommandLineOption threadsOption_;
+};
+
+} // namespace ff::cli

@@ -1,0 +1,255 @@
+#include "export/DelimitedTextExport.h"
+
+#include "export/ExportKinds.h"
+#include "export/FieldTextFormatter.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <atomic>
+#include <charconv>
+#include <condition_variable>
+#include <cstring>
+#include <deque>
+#include <mutex>
+#include <thread>
+
+namespace ff {
+
+struct DelimitedTextExport::Chunk {
+    int first = 0;
+    int count = 0;
+    std::string bytes;
+    std::vector<size_t> ends;                      // where each record's row ends in `bytes`
+    std::vector<std::pair<int, QString>> pictures; // (row in the chunk, picture name) to copy
+    Status status;
+};
+
+DelimitedTextExport::DelimitedTextExport(const ExportSource &source, const PageAllowed &allowed) : source_(source)
+{
+    columns_ = TabWalkColumns(source.design, allowed);
+    const std::vector<ExportColumn> pictures = PictureColumns(source.design, allowed);
+    columns_.insert(columns_.end(), pictures.begin(), pictures.end());
+    pictureColumns_ = pictures.size();
+    // A design without a separator still gets rows that can be read back.
+    const QString separator = source.design.FieldSeparator.isEmpty() ? QStringLiteral(",") : source.design.FieldSeparator;
+    separator_ = source.codePage.encode(separator).toStdString();
+}
+
+QString DelimitedTextExport::fileName(const QString &base) const
+{
+    const QString extension = source_.design.TextExtension.isEmpty() ? QStringLiteral("txt") : source_.design.TextExtension;
+    return base + QLatin1Char('.') + extension;
+}
+
+void DelimitedTextExport::appendQuoted(const char *value, size_t size, std::string &out) const
+{
+    const bool quote = std::memchr(value, '"', size) != nullptr;
+    bool enclose = quote;
+    if (!enclose && !separator_.empty()) {
+        if (separator_.size() == 1)
+            enclose = std::memchr(value, separator_[0], size) != nullptr;
+        else
+            enclose = std::string_view(value, size).find(separator_) != std::string_view::npos;
+    }
+    if (!enclose)
+        enclose = std::string_view(value, size).find("\r\n") != std::string_view::npos;
+    if (!enclose) {
+        out.append(value, size);
+        return;
+    }
+    out += '"';
+    for (size_t k = 0; k < size; ++k) {
+        if (value[k] == '"')
+            out += '"';
+        out += value[k];
+    }
+    out += '"';
+}
+
+std::string DelimitedTextExport::headRow() const
+{
+    std::string row = "No.";
+    row += separator_;
+    for (const ExportColumn &c : columns_) {
+        const QByteArray name = source_.codePage.encode(c.name);
+        appendQuoted(name.constData(), size_t(name.size()), row);
+        row += separator_;
+    }
+    row.resize(row.size() - separator_.size());
+    row += "\r\n";
+    return row;
+}
+
+void DelimitedTextExport::appendRow(ExportRecordReader &reader, std::string &out) const
+{
+    char number[16];
+    const std::to_chars_result r = std::to_chars(number, number + sizeof number, reader.record());
+    out.append(number, size_t(r.ptr - number));
+    out += separator_;
+    thread_local std::string value;
+    for (const ExportColumn &c : columns_) {
+        value.clear();
+        reader.appendValue(c, value);
+        appendQuoted(value.data(), value.size(), out);
+        out += separator_;
+    }
+    out.resize(out.size() - separator_.size());
+    out += "\r\n";
+}
+
+Status DelimitedTextExport::makeChunk(ExportRecordReader &reader, const ExportRange &range, int first, int count,
+                                      Chunk &chunk) const
+{
+    chunk.first = first;
+    chunk.count = 0;
+    chunk.bytes.clear();
+    chunk.ends.clear();
+    chunk.pictures.clear();
+    std::string name;
+    for (int k = 0; k < count; ++k) {
+        if (Status s = reader.load(range.recordAt(first + k)); !s)
+            return s;
+        appendRow(reader, chunk.bytes);
+        chunk.ends.push_back(chunk.bytes.size());
+        ++chunk.count;
+        for (size_t p = columns_.size() - pictureColumns_; p < columns_.size(); ++p) {
+            name.clear();
+            reader.appendValue(columns_[p], name);
+            if (!name.empty())
+                chunk.pictures.emplace_back(k, source_.codePage.decode(name.data(), qsizetype(name.size())));
+        }
+    }
+    return {};
+}
+
+int DelimitedTextExport::copyPicture(const QString &name, const QString &folder) const
+{
+    // The name comes from the record: only a plain name is copied, and only into the folder.
+    if (source_.recordPictureFolder.isEmpty() || !IsPlainFileName(name))
+        return 0;
+    const QString from = source_.recordPictureFolder + name;
+    if (!QFileInfo::exists(from))
+        return 0;
+    const QString to = QDir(folder).filePath(name.contains(QLatin1Char('.')) ? name : name + QStringLiteral(".jpg"));
+    QFile::remove(to);
+    return QFile::copy(from, to) ? 1 : 0;
+}
+
+Result<ExportOutcome> DelimitedTextExport::run(const ExportRange &range, const QString &path, Progress *progress,
+                                               int threads, ExportRecordReader::Mode mode)
+{
+    ExportOutcome outcome;
+    outcome.path = path;
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return makeError(ErrorCode::PathError, QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
+    const std::string head = headRow();
+    if (file.write(head.data(), qint64(head.size())) != qint64(head.size()))
+        return makeError(ErrorCode::PathError, QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
+
+    const int first = range.ExportFirst();
+    const int total = range.size();
+    const int chunks = (total + kChunkRecords - 1) / kChunkRecords;
+    if (threads <= 0)
+        threads = total >= kTwoThreadsFrom ? 2 : 1;
+    threads = std::max(1, std::min(threads, chunks));
+    const ExportRecordReader::Access access = range.order() == BrowseOrder::FileOrder
+                                                  ? ExportRecordReader::Access::InOrder
+                                                  : ExportRecordReader::Access::Jumping;
+    // Numbers are learned once for all readers.
+    FormulaContext context = source_.context;
+    context.host = nullptr;
+    EngineFormulaHooks hooks(context);
+    const FieldTextFormatter formatter(source_.design, hooks, source_.codePage, source_.decimalSeparator);
+    const QString pictureFolder = QDir(QFileInfo(path).absolutePath()).filePath(QStringLiteral("Pictures"));
+
+    // The workers: thread w makes chunks w, w + threads, ... and hands them over in order.
+    struct Lane {
+        std::mutex mutex;
+        std::condition_variable changed;
+        std::deque<Chunk> ready;
+    };
+    std::vector<Lane> lanes(static_cast<size_t>(threads));
+    std::atomic<bool> quit{false};
+    const auto work = [&](int w) {
+        ExportRecordReader reader(source_, mode, access, &formatter);
+        Lane &lane = lanes[size_t(w)];
+        for (int c = w; c < chunks && !quit.load(); c += threads) {
+            Chunk chunk;
+            const int from = first + c * kChunkRecords;
+            chunk.status = makeChunk(reader, range, from, std::min(kChunkRecords, first + total - from), chunk);
+            std::unique_lock<std::mutex> lock(lane.mutex);
+            lane.changed.wait(lock, [&] { return lane.ready.size() < 2 || quit.load(); });
+            lane.ready.push_back(std::move(chunk));
+            lane.changed.notify_all();
+        }
+    };
+    std::vector<std::thread> helpers;
+    std::unique_ptr<ExportRecordReader> ownReader;
+    if (threads > 1)
+        for (int w = 0; w < threads; ++w)
+            helpers.emplace_back(work, w);
+    else
+        ownReader = std::make_unique<ExportRecordReader>(source_, mode, access, &formatter);
+
+    Status failure;
+    bool picturesFolderMade = false;
+    for (int c = 0; c < chunks && failure && !outcome.stopped; ++c) {
+        Chunk chunk;
+        if (threads > 1) {
+            Lane &lane = lanes[size_t(c % threads)];
+            std::unique_lock<std::mutex> lock(lane.mutex);
+            lane.changed.wait(lock, [&] { return !lane.ready.empty(); });
+            chunk = std::move(lane.ready.front());
+            lane.ready.pop_front();
+            lane.changed.notify_all();
+        } else {
+            const int from = first + c * kChunkRecords;
+            chunk.status = makeChunk(*ownReader, range, from, std::min(kChunkRecords, first + total - from), chunk);
+        }
+        // Rows are committed one by one, so that a stop at index i keeps exactly the rows before i.
+        int rows = chunk.count;
+        for (int k = 0; k < chunk.count && progress; ++k) {
+            const int index = chunk.first + k;
+            if (index % 10 != 0)
+                continue;
+            progress->setPercent(range.percentAt(index));
+            if (progress->cancelled()) {
+                rows = k;
+                outcome.stopped = true;
+                break;
+            }
+        }
+        const size_t bytes = rows > 0 ? chunk.ends[size_t(rows) - 1] : 0;
+        if (bytes > 0 && file.write(chunk.bytes.data(), qint64(bytes)) != qint64(bytes)) {
+            failure = makeError(ErrorCode::PathError, QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
+            break;
+        }
+        outcome.records += rows;
+        for (const auto &[row, name] : chunk.pictures) {
+            if (row >= rows)
+                break;
+            if (!picturesFolderMade)
+                picturesFolderMade = QDir().mkpath(pictureFolder);
+            outcome.pictures += copyPicture(name, pictureFolder);
+        }
+        if (!chunk.status && rows == chunk.count)
+            failure = chunk.status;
+    }
+    quit = true;
+    for (Lane &lane : lanes) {
+        std::lock_guard<std::mutex> lock(lane.mutex);
+        lane.changed.notify_all();
+    }
+    for (std::thread &t : helpers)
+        t.join();
+    if (!file.flush())
+        return makeError(ErrorCode::PathError, QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
+    if (!failure)
+        return failure.error();
+    return outcome;
+}
+
+} // namespace ff
