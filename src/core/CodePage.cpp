@@ -59,18 +59,31 @@ QString CodePage::decode(const QByteArray &bytes) const { return decode(bytes.co
 
 QString CodePage::decode(const char *data, qsizetype size) const
 {
+    QString out;
+    appendDecoded(out, data, size);
+    return out;
+}
+
+void CodePage::appendDecoded(QString &text, const char *data, qsizetype size) const
+{
+    if (size <= 0)
+        return;
     if (singleByte_) {
-        QString out(size, Qt::Uninitialized);
+        const qsizetype at = text.size();
+        text.resize(at + size);
+        QChar *out = text.data() + at;
         const QChar *table = table_->constData();
-        auto *p = reinterpret_cast<const uint8_t *>(data);
+        const auto *p = reinterpret_cast<const uint8_t *>(data);
         for (qsizetype i = 0; i < size; ++i)
             out[i] = table[p[i]];
-        return out;
+        return;
     }
     QStringDecoder decoder(name_);
-    if (!decoder.isValid())
-        return QString::fromLatin1(data, size);
-    return decoder.decode(QByteArrayView(data, size));
+    if (!decoder.isValid()) {
+        text += QLatin1String(data, size);
+        return;
+    }
+    text += decoder.decode(QByteArrayView(data, size));
 }
 
 QByteArray CodePage::encode(const QString &text) const

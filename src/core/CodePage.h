@@ -18,6 +18,8 @@ public:
     int charset() const { return charset_; }
     QString decode(const QByteArray &bytes) const;
     QString decode(const char *data, qsizetype size) const;
+    // Appends the decoded bytes to `text`, with no text of their own in between.
+    void appendDecoded(QString &text, const char *data, qsizetype size) const;
     QByteArray encode(const QString &text) const;
 
 private:

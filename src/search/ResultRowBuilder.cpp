@@ -6,6 +6,7 @@
 
 #include <QDate>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -67,6 +68,7 @@ ResultRowBuilder::ResultRowBuilder(const Design &design, const RecordLayout &lay
         default: c.kind = Kind::Text; break;
         }
         calibrate(c);
+        rowReserve_ += 1 + std::clamp(c.field.length, 16, 64);
     }
 }
 
@@ -330,14 +332,14 @@ void ResultRowBuilder::appendValue(QString &row, Column &c, const uint8_t *plain
         int lead = 0;
         while (lead < f.length && p[lead] == ' ')
             ++lead;
-        row += cp.decode(reinterpret_cast<const char *>(p + lead), f.length - lead);
+        cp.appendDecoded(row, reinterpret_cast<const char *>(p + lead), f.length - lead);
         return;
     }
     case Kind::Text: {
         int n = f.length;
         while (n > 0 && p[n - 1] == ' ')
             --n;
-        row += cp.decode(reinterpret_cast<const char *>(p), n);
+        cp.appendDecoded(row, reinterpret_cast<const char *>(p), n);
         return;
     }
     case Kind::Money:
@@ -384,7 +386,7 @@ void ResultRowBuilder::appendValue(QString &row, Column &c, const uint8_t *plain
 QString ResultRowBuilder::row(int record, const uint8_t *plainRecord)
 {
     QString row;
-    row.reserve(16 + 24 * count_);
+    row.reserve(rowReserve_);
     appendDigits(row, uint64_t(record));
     for (int k = 0; k < count_; ++k) {
         row += QLatin1Char('~');

@@ -69,6 +69,7 @@ private:
     const RecordCodec &codec_;
     std::array<Column, kColumnSlots> columns_{};
     int count_ = 0;
+    qsizetype rowReserve_ = 12; // room for a usual row: the number and each column's length
     bool hideZeros_ = false;
     QLocale locale_;
     QString groupMark_, decimalMark_, minusSign_, floatPoint_;

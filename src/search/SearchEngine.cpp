@@ -37,6 +37,45 @@ CompiledQuery SearchEngine::compile(const QString &line, bool matchCase, const S
     return parser_.parse(line, matchCase, focus);
 }
 
+QStringList SearchEngine::makeRows(const QVector<int> &hits, RecordScanner::Access access, const SearchField *columns,
+                                   int count, bool twoThreads) const
+{
+    // The hits come in walk order, so a walk through the file reads them from mapped windows in
+    // the same direction. A long list is made by two threads, each with its own reader.
+    const bool scrambled = design_.ScrambleRecords == 1;
+    const StoredBytes stored(scrambled);
+    QStringList rows;
+    rows.resize(hits.size());
+    auto make = [&](qsizetype begin, qsizetype end) {
+        RecordScanner scanner(file_, recordCount_, scrambled);
+        ResultRowBuilder builder = rowBuilder(columns, count);
+        std::vector<uint8_t> plain(size_t(layout_.RecordLength));
+        for (qsizetype k = begin; k < end; ++k) {
+            const int number = hits[k];
+            const uint8_t *record = scanner.stored(number, access);
+            if (!record) { // gone since the walk: the number alone
+                rows[k] = QString::number(number);
+                continue;
+            }
+            if (scrambled) {
+                stored.copyPlain(record, layout_.RecordLength, plain.data());
+                record = plain.data();
+            }
+            rows[k] = builder.row(number, record);
+        }
+    };
+    constexpr qsizetype kTwoThreadRows = 2048;
+    if (!twoThreads || hits.size() < kTwoThreadRows) {
+        make(0, hits.size());
+        return rows;
+    }
+    const qsizetype middle = hits.size() / 2;
+    std::thread helper([&] { make(middle, hits.size()); });
+    make(0, middle);
+    helper.join();
+    return rows;
+}
+
 ResultRowBuilder SearchEngine::rowBuilder(const SearchField *columns, int count) const
 {
     return ResultRowBuilder(design_, layout_, codec_, columns, count, locale_);
@@ -199,15 +238,11 @@ SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, M
     switch (q.command) {
     case CommandKind::Select:
         runWith([&](walk::WalkPart &part, RecordScanner &) {
-            return walk::ListVisitor<decltype(conditions)>(conditions, part, rowBuilder(r.columns.data(), r.columnCount),
-                                                           stored, o.hitCap, layout_.RecordLength);
+            return walk::ListVisitor<decltype(conditions)>(conditions, part, o.hitCap);
         });
         break;
     case CommandKind::Find:
-        runWith([&](walk::WalkPart &part, RecordScanner &) {
-            return walk::ListVisitor<decltype(terms)>(terms, part, rowBuilder(r.columns.data(), r.columnCount), stored,
-                                                      o.hitCap, layout_.RecordLength);
-        });
+        runWith([&](walk::WalkPart &part, RecordScanner &) { return walk::ListVisitor<decltype(terms)>(terms, part, o.hitCap); });
         break;
     case CommandKind::Count:
         runWith([&](walk::WalkPart &part, RecordScanner &) { return walk::CountVisitor<decltype(conditions)>(conditions, part); });
@@ -224,7 +259,6 @@ SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, M
 
     r.aborted = first.stopped || second.stopped;
     r.hits = std::move(first.hits);
-    r.rows = std::move(first.rows);
     r.found = first.found;
     r.walked = first.walked;
     r.sumCount = first.sumCount;
@@ -237,11 +271,11 @@ SearchResult SearchEngine::run(const CompiledQuery &q, const SearchOptions &o, M
         r.walked += second.walked;
         r.sumCount += second.sumCount;
         sumFixed += second.sumFixed;
-        for (qsizetype i = 0; i < second.hits.size() && r.hits.size() < o.hitCap; ++i) {
+        for (qsizetype i = 0; i < second.hits.size() && r.hits.size() < o.hitCap; ++i)
             r.hits.append(second.hits.at(i));
-            r.rows.append(second.rows.at(i));
-        }
     }
+    if (q.command == CommandKind::Select || q.command == CommandKind::Find)
+        r.rows = makeRows(r.hits, order.access(), r.columns.data(), r.columnCount, split);
 
     const QString caption = design_.AppTitle;
     switch (q.command) {

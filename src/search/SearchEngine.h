@@ -14,6 +14,7 @@
 #include "design/Design.h"
 #include "search/SearchNames.h"
 #include "search/SearchParser.h"
+#include "search/RecordScanner.h"
 #include "search/ResultRowBuilder.h"
 #include "search/SearchQuery.h"
 #include "store/RecordCodec.h"
@@ -91,6 +92,10 @@ public:
     static QString totalText(WideFixed fixed, double floating, const QString &decimalSeparator);
 
 private:
+    // The rows of the hits, in their order.
+    QStringList makeRows(const QVector<int> &hits, RecordScanner::Access access, const SearchField *columns, int count,
+                         bool twoThreads) const;
+
     const Design &design_;
     const RecordLayout &layout_;
     const RecordCodec &codec_;

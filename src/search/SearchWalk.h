@@ -62,7 +62,6 @@ private:
 // What one thread's walk over a run of places found.
 struct WalkPart {
     QVector<int> hits;
-    QStringList rows;
     int64_t found = 0;
     int64_t walked = 0;
     int64_t sumCount = 0;
@@ -122,37 +121,25 @@ private:
 
 // The visitors: `visit` takes each stored record of the walk.
 
-// Select and the plain find: hits with their rows, up to the cap; the walk goes on past it.
+// Select and the plain find: the hits, up to the cap; the walk goes on past it and counts them.
+// Their rows are made after the walk (MakeRows), for the hits that are kept only.
 template <class Test>
 class ListVisitor {
 public:
-    ListVisitor(const Test &test, WalkPart &part, ResultRowBuilder rows, const StoredBytes &stored, int cap, int length)
-        : test_(test), part_(part), rows_(std::move(rows)), stored_(stored), cap_(cap), plain_(size_t(length))
-    {
-    }
+    ListVisitor(const Test &test, WalkPart &part, int cap) : test_(test), part_(part), cap_(cap) {}
     void visit(int64_t number, const uint8_t *record)
     {
         if (!test_(record))
             return;
         ++part_.found;
-        if (part_.hits.size() >= cap_)
-            return; // the row is lost, the walk goes on
-        const uint8_t *plain = record;
-        if (stored_.scrambled()) {
-            stored_.copyPlain(record, int(plain_.size()), plain_.data());
-            plain = plain_.data();
-        }
-        part_.hits.append(int(number));
-        part_.rows.append(rows_.row(int(number), plain));
+        if (part_.hits.size() < cap_)
+            part_.hits.append(int(number));
     }
 
 private:
     const Test &test_;
     WalkPart &part_;
-    ResultRowBuilder rows_;
-    const StoredBytes &stored_;
     int cap_;
-    std::vector<uint8_t> plain_;
 };
 
 template <class Test>
