@@ -37,30 +37,18 @@ public:
     }
 
     // Little-endian numbers of the record, as the plain record holds them.
-    int64_t readInt64(const uint8_t *p) const
+    template <typename Number>
+    Number readNumber(const uint8_t *p) const
     {
-        uint8_t b[8];
-        copyPlain(p, 8, b);
-        int64_t v;
-        std::memcpy(&v, b, 8);
+        uint8_t b[sizeof(Number)];
+        copyPlain(p, int(sizeof(Number)), b);
+        Number v;
+        std::memcpy(&v, b, sizeof v);
         return v;
     }
-    int32_t readInt32(const uint8_t *p) const
-    {
-        uint8_t b[4];
-        copyPlain(p, 4, b);
-        int32_t v;
-        std::memcpy(&v, b, 4);
-        return v;
-    }
-    double readDouble(const uint8_t *p) const
-    {
-        uint8_t b[8];
-        copyPlain(p, 8, b);
-        double v;
-        std::memcpy(&v, b, 8);
-        return v;
-    }
+    int64_t readInt64(const uint8_t *p) const { return readNumber<int64_t>(p); }
+    int32_t readInt32(const uint8_t *p) const { return readNumber<int32_t>(p); }
+    double readDouble(const uint8_t *p) const { return readNumber<double>(p); }
 
     // The length of a stored slice without its trailing blanks.
     int trimmedLength(const uint8_t *p, int length) const
