@@ -5,6 +5,7 @@
 #include "gui/MainWindowHost.h"
 #include "gui/ResultsWindow.h"
 #include "gui/MainWindow.h"
+#include "gui/ReplaceableField.h"
 #include "gui/SearchSession.h"
 #include "search/RecordScanner.h"
 #include "search/SearchNames.h"
@@ -33,20 +34,6 @@ SearchField focusedField(MainWindow &main)
     const EntryState &state = main.entry().state();
     const SearchNames names(main.design(), main.database().store().layout());
     return names.describe(static_cast<SearchKind>(int(state.focusKind)), state.focusIndex);
-}
-
-// The fields whose stored form is text: their bytes take a replaced text. Numbers, money and
-// dates stored as binary values have no text to replace in.
-bool holdsText(const SearchField &f)
-{
-    switch (f.value) {
-    case ValueKind::Text:
-    case ValueKind::NumberText:
-    case ValueKind::TimeText:
-    case ValueKind::DateText:
-    case ValueKind::CheckByte: return f.valid();
-    default: return false;
-    }
 }
 
 void remember(QComboBox *box, const QString &text)
@@ -103,13 +90,19 @@ FindReplaceWindow::FindReplaceWindow(MainWindow &main)
     layout->addWidget(progressLabel_);
 }
 
+ReplaceableField FindReplaceWindow::replaceable() const
+{
+    Database &db = main_.database();
+    return ReplaceableField(field_, db.store().codec(), db.DecimalSeparator, main_.context().locale);
+}
+
 QString FindReplaceWindow::progressText() const { return progressLabel_->text(); }
 QString FindReplaceWindow::fieldText() const { return fieldLabel_->text(); }
 
 void FindReplaceWindow::open()
 {
     field_ = focusedField(main_);
-    const bool usable = holdsText(field_) && main_.database().store().writingAllowed();
+    const bool usable = replaceable().takesText() && main_.database().store().writingAllowed();
     fieldLabel_->setText(field_.valid() ? tr("In the field: %1").arg(ResultsWindow::fieldCaption(main_.design(), field_))
                                         : tr("No field of the record has the focus"));
     progressLabel_->setText(usable || !field_.valid() ? QString()
@@ -138,7 +131,8 @@ FindReplaceWindow::Outcome FindReplaceWindow::replaceAll()
     main_.searchSession().clearStop();
     const QString find = findBox_->currentText();
     const QString with = replaceBox_->currentText();
-    if (find.isEmpty() || with.isEmpty() || !holdsText(field_))
+    const ReplaceableField target = replaceable();
+    if (find.isEmpty() || with.isEmpty() || !target.takesText())
         return outcome;
     Database &db = main_.database();
     RecordStore &store = db.store();
@@ -156,7 +150,7 @@ FindReplaceWindow::Outcome FindReplaceWindow::replaceAll()
     std::ignore = store.refreshCount();
     const int count = store.RecordCount();
     const bool scrambled = main_.design().ScrambleRecords == 1;
-    const CodePage &codePage = store.codec().codePage();
+    const int recordLength = store.layout().RecordLength;
     RecordScanner scanner(store.file(), count, scrambled);
     toolkit::WaitWindow wait(this);
     wait.begin();
@@ -174,23 +168,21 @@ FindReplaceWindow::Outcome FindReplaceWindow::replaceAll()
         const uint8_t *record = scanner.record(n, RecordScanner::Access::Forward);
         if (!record)
             continue;
-        const char *slice = reinterpret_cast<const char *>(record + field_.offset);
-        const QString text = codePage.decode(slice, field_.length);
-        const QString replaced = replacedText(text, find, with, matchCaseBox_->isChecked());
+        const QByteArray plain = QByteArray::fromRawData(reinterpret_cast<const char *>(record), recordLength);
+        const QString replaced = replacedText(target.text(plain), find, with, matchCaseBox_->isChecked());
         if (replaced.isNull())
             continue;
         ++outcome.found;
-        QByteArray bytes = codePage.encode(replaced);
-        if (bytes.size() < field_.length)
-            bytes.append(QByteArray(field_.length - bytes.size(), ' '));
-        bytes.truncate(field_.length);
-        if (bytes == QByteArray(slice, field_.length))
-            continue; // found in another case: nothing to write
+        std::optional<QByteArray> bytes = target.bytes(replaced);
+        if (!bytes)
+            continue; // no number or date any more: the value stays as it was
+        if (*bytes == plain.mid(field_.offset, field_.length))
+            continue; // found in another case, or the same value: nothing to write
         if (scanner.heldByOther(n))
             continue; // another user is working on it
         if (scrambled)
-            ScrambleBytes(bytes.data(), bytes.size());
-        if (scanner.write(n, field_.offset, bytes).ok())
+            ScrambleBytes(bytes->data(), bytes->size());
+        if (scanner.write(n, field_.offset, *bytes).ok())
             ++outcome.changed;
     }
     wait.end();

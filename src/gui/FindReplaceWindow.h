@@ -1,12 +1,14 @@
 #pragma once
 // Find and replace on one field over all records: the field is the one that had the focus when
-// the window opened. Every occurrence of the old text in the field's stored text is replaced by
-// the new one, exactly in case; with match case off a record whose text holds the old text in
+// the window opened. Every occurrence of the old text in the field's text (see ReplaceableField:
+// numbers and money on their stored value, dates on their shown text) is replaced by the new one,
+// exactly in case; with match case off a record whose text holds the old text in
 // another case is found but stays as it was. The result is padded with blanks to the field's
 // length and cut to it. Records another user holds are left alone. The same file has the sort
 // commands Finden(1) and Finden(2), which build the sort index of the focused field and browse
 // in its order, ascending or from its end.
 
+#include "gui/ReplaceableField.h"
 #include "search/SearchQuery.h"
 #include "store/RecordStore.h"
 
@@ -55,6 +57,9 @@ public:
     const SearchField &field() const { return field_; }
 
 private:
+    // The focused field as the replacement reads and writes it.
+    ReplaceableField replaceable() const;
+
     MainWindow &main_;
     SearchField field_;
     QComboBox *findBox_;

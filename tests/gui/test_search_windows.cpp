@@ -5,6 +5,7 @@
 
 #include "core/SettingsStore.h"
 #include "entry/FieldEntry.h"
+#include "formula/DateNumber.h"
 #include "gui/SearchLineWindow.h"
 #include "gui/MainWindowHost.h"
 #include "gui/ResultsWindow.h"
@@ -351,6 +352,67 @@ private Q_SLOTS:
         QCOMPARE(gui::FindReplaceWindow::replacedText(QStringLiteral("abc abc"), QStringLiteral("ABC"), QStringLiteral("x"), false),
                  QStringLiteral("abc abc"));
         QVERIFY(gui::FindReplaceWindow::replacedText(QStringLiteral("abc"), QStringLiteral("ABC"), QStringLiteral("x"), true).isNull());
+    }
+
+    void findAndReplaceOnNumbersMoneyAndDates()
+    {
+        auto o = openContacts();
+        gui::MainWindow &w = *o->window;
+        typeInto(w, 13, QStringLiteral("3/15/2024")); // Ada's first contact, a short date
+        w.navigationButton(3)->click();              // saved
+        auto replaceIn = [&](int fieldIndex, const QString &find, const QString &with) {
+            focusedWidgetOf(&w); // back to the main window
+            QTest::mouseClick(field(w, fieldIndex), Qt::LeftButton);
+            if (QApplication::focusWidget() != field(w, fieldIndex))
+                qWarning("field %d did not take the focus", fieldIndex);
+            w.findenAction(3)->trigger();
+            gui::FindReplaceWindow *f = w.replaceWindow();
+            f->findBox()->setEditText(find);
+            f->replaceBox()->setEditText(with);
+            return std::make_pair(f->startButton()->isEnabled(), f->replaceAll());
+        };
+
+        // Money (credit 100, 250, 50) is taken on its stored value: "250", not "250.00".
+        auto [enabled, out] = replaceIn(8, QStringLiteral("5"), QStringLiteral("7"));
+        QVERIFY(enabled);
+        QCOMPARE(out.found, 2);
+        QCOMPARE(out.changed, 2);
+        QCOMPARE(recordText(w, 1, 8), QStringLiteral("100.00"));
+        QCOMPARE(recordText(w, 2, 8), QStringLiteral("270.00"));
+        QCOMPARE(recordText(w, 3, 8), QStringLiteral("70.00"));
+        // As stored: a little-endian 64-bit count of ten-thousandths.
+        auto stored = w.database().store().readPlainRecord(2);
+        QVERIFY(stored.ok());
+        const int at = w.database().store().layout().FieldOffset[8] - 1;
+        qint64 amount = 0;
+        for (int k = 7; k >= 0; --k)
+            amount = (amount << 8) | quint8(stored->at(at + k));
+        QCOMPARE(amount, qint64(2700000));
+        std::tie(enabled, out) = replaceIn(8, QStringLiteral("100"), QStringLiteral("99.5"));
+        QCOMPARE(out.changed, 1);
+        QCOMPARE(recordText(w, 1, 8), QStringLiteral("99.50"));
+        QCOMPARE(field(w, 11)->text(), QStringLiteral("99.50")); // available = credit - balance
+        // A text that is no number any more leaves the value as it was.
+        std::tie(enabled, out) = replaceIn(8, QStringLiteral("70"), QStringLiteral("x"));
+        QCOMPARE(out.found, 2);
+        QCOMPARE(out.changed, 0);
+        QCOMPARE(recordText(w, 2, 8), QStringLiteral("270.00"));
+
+        // Whole numbers (visits 3, 7, 1).
+        std::tie(enabled, out) = replaceIn(9, QStringLiteral("7"), QStringLiteral("12"));
+        QVERIFY(enabled);
+        QCOMPARE(out.changed, 1);
+        QCOMPARE(recordText(w, 2, 9), QStringLiteral("12"));
+
+        // Dates are taken on the text they show.
+        const QString before = recordText(w, 1, 13);
+        QVERIFY2(before.contains(QStringLiteral("2024")), qPrintable(before));
+        std::tie(enabled, out) = replaceIn(13, QStringLiteral("2024"), QStringLiteral("2025"));
+        QVERIFY(enabled);
+        QCOMPARE(out.found, 1);
+        QCOMPARE(out.changed, 1);
+        QCOMPARE(recordText(w, 1, 13), QString(before).replace(QStringLiteral("2024"), QStringLiteral("2025")));
+        QCOMPARE(w.database().page().FieldDate[13], NumberFromDate(QDate(2025, 3, 15)));
     }
 
     void aRecordThatCannotBeSavedStopsSearchAndReplace()
