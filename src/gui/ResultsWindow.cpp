@@ -2,6 +2,7 @@
 
 #include "gui/MainWindowHost.h"
 #include "gui/MainWindow.h"
+#include "gui/PickedFieldsFind.h"
 #include "gui/SearchSession.h"
 #include "gui/Twips.h"
 #include "store/Database.h"
@@ -243,8 +244,10 @@ void ResultsWindow::runSearch(const QString &line, bool withinHits)
     StopProgress progress(*wait_, session_);
     options.progress = &progress;
     HeldMessages messages;
+    PickedFieldsFind pickedFind(engine, request_.picked);
     wait_->begin();
-    SearchResult r = engine.run(query, options, &messages, &main_.context());
+    SearchResult r = pickedFind.takes(line) ? pickedFind.run(line, options, &main_.context())
+                                            : engine.run(query, options, &messages, &main_.context());
     wait_->end();
     messages.showOn(main_.host());
     running_ = false;

@@ -33,6 +33,7 @@ public:
         bool matchCase = false;
         bool silent = false;   // a page button's line: no message
         SearchField focus;     // the field of a plain find
+        QVector<SearchField> picked; // fields picked with the right button: a find looks in these
     };
 
     // Makes a results window for `request` and runs it. A select or a find shows the window and

@@ -5,7 +5,6 @@
 #include "gui/ResultsWindow.h"
 #include "gui/MainWindow.h"
 #include "search/SearchNames.h"
-#include "search/SearchParser.h"
 #include "store/Database.h"
 
 #include <QCheckBox>
@@ -256,7 +255,7 @@ void SearchLineWindow::storeOrRemoveLine()
 
 void SearchLineWindow::startSearch()
 {
-    QString line = lineBox_->currentText();
+    const QString line = lineBox_->currentText();
     if (line.trimmed().isEmpty())
         return;
     {
@@ -265,15 +264,18 @@ void SearchLineWindow::startSearch()
             lineBox_->addItem(line);
         lineBox_->setEditText(line);
     }
-    MultiFieldSelection &picked = main_.entry().selection();
-    // A find over picked fields looks through the whole record.
-    if (picked.active() && !SearchParser::IsCommand(line) && !line.startsWith(QLatin1Char('!')))
-        line.prepend(QLatin1Char('!'));
     ResultsWindow::Request request;
     request.line = line;
     request.forward = forwardBox_->isChecked();
     request.matchCase = matchCaseBox_->isChecked();
     request.focus = focusField();
+    // Fields picked with the right button: a find looks in them, and in no other.
+    MultiFieldSelection &picked = main_.entry().selection();
+    if (picked.active()) {
+        const SearchNames names(main_.design(), main_.database().store().layout());
+        for (const MultiFieldSelection::Entry &e : picked.fields())
+            request.picked.append(names.describe(static_cast<SearchKind>(int(e.kind)), e.index));
+    }
     hide();
     picked.clear();
     lastResults_ = ResultsWindow::start(main_, request);

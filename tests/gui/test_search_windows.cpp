@@ -354,6 +354,60 @@ private Q_SLOTS:
         QVERIFY(gui::FindReplaceWindow::replacedText(QStringLiteral("abc"), QStringLiteral("ABC"), QStringLiteral("x"), true).isNull());
     }
 
+    void aFindOverPickedFieldsLooksInThoseFieldsOnly()
+    {
+        auto o = openContacts();
+        gui::MainWindow &w = *o->window;
+        // Picks fields of the record on the page with the right button, opens the search window,
+        // types `line` over the picked values (unless it is null) and presses Enter.
+        auto pickAndFind = [&](int record, std::initializer_list<int> fields, const QString &line) {
+            QTest::mouseClick(w.navigationButton(0), Qt::LeftButton);
+            for (int k = 1; k < record; ++k)
+                QTest::mouseClick(w.navigationButton(3), Qt::LeftButton);
+            for (int i : fields)
+                QTest::mouseClick(field(w, i), Qt::RightButton);
+            w.findenAction(0)->trigger();
+            gui::SearchLineWindow *f = w.searchWindow();
+            QWidget *typing = focusedWidgetOf(f);
+            const QString picked = f->lineBox()->currentText();
+            if (!line.isNull()) {
+                QTest::keyClick(typing, Qt::Key_A, Qt::ControlModifier);
+                QTest::keyClicks(typing, line);
+            }
+            QTest::keyClick(typing, Qt::Key_Return);
+            gui::ResultsWindow *r = f->lastResults();
+            return std::make_pair(picked, r ? r->result().hits : QVector<int>{-1});
+        };
+
+        // Alan's first name and company: the picked values, all to be found, find his record.
+        auto [picked, hits] = pickAndFind(2, {1, 3}, QString());
+        QCOMPARE(picked, QStringLiteral("Alan+Bletchley"));
+        QCOMPARE(hits, (QVector<int>{2}));
+        QVERIFY(!w.entry().selection().active()); // cleared by the search
+        // Other texts in the same two fields: "Lovelace" and "Hopper" stand in a field not picked.
+        QCOMPARE(pickAndFind(2, {1, 3}, QStringLiteral("hopper")).second, QVector<int>{});
+        QCOMPARE(pickAndFind(2, {1, 3}, QStringLiteral("Lovelace or navy")).second, QVector<int>{3});
+        // Every "+" term in one of the fields: "e" is in Bletchley and in Grace, not in Ada or Analytical.
+        QCOMPARE(pickAndFind(1, {1, 3}, QStringLiteral("a+e")).second, (QVector<int>{3, 2}));
+        // A money field compares as a number: Ada's credit of 100.00 with her first name.
+        std::tie(picked, hits) = pickAndFind(1, {8, 1}, QString());
+        QCOMPARE(picked, QStringLiteral("100.00+Ada"));
+        QCOMPARE(hits, QVector<int>{1});
+        QCOMPARE(pickAndFind(1, {8, 1}, QStringLiteral(">=100+a")).second, (QVector<int>{2, 1}));
+
+        // Browsing by credit, the hits come in the walk's order, as a find in one field lists them.
+        focusedWidgetOf(&w);
+        QTest::mouseClick(field(w, 8), Qt::LeftButton);
+        w.findenAction(1)->trigger();
+        QCOMPARE(w.database().store().browseOrder(), BrowseOrder::SortIndexUp);
+        focusedWidgetOf(&w);
+        QTest::mouseClick(field(w, 1), Qt::LeftButton);
+        const QVector<int> inOneField = searchFor(w, QStringLiteral("a"))->lastResults()->result().hits;
+        QCOMPARE(inOneField.size(), 3);
+        QVERIFY(inOneField != (QVector<int>{3, 2, 1}) && inOneField != (QVector<int>{1, 2, 3})); // not file order
+        QCOMPARE(pickAndFind(1, {1, 3}, QStringLiteral("a")).second, inOneField);
+    }
+
     void findAndReplaceOnNumbersMoneyAndDates()
     {
         auto o = openContacts();
