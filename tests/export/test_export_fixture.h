@@ -78,6 +78,13 @@ struct ShopRecord {
     QString kind, kind2, remark, photo;
 };
 
+inline ShopRecord named(const QString &name)
+{
+    ShopRecord r;
+    r.name = name;
+    return r;
+}
+
 // An open store over a file of the shop design, with the en_US context of the tests.
 struct ShopStore {
     QTemporaryDir dir;
