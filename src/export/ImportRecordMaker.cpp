@@ -64,6 +64,23 @@ double valOfStripped(const char *s, size_t n)
     return std::strtod(number.c_str(), nullptr);
 }
 
+// Digits of a number text, leading zeros not counted: at most 15 come back the same through the
+// 15-digit text of the double they give.
+int significantDigits(std::string_view text)
+{
+    int digits = 0;
+    bool leading = true;
+    for (const char c : text) {
+        if (c >= '1' && c <= '9')
+            leading = false;
+        if (c >= '0' && c <= '9' && !leading)
+            ++digits;
+        if (c == 'e' || c == 'E' || c == 'd' || c == 'D')
+            break;
+    }
+    return digits;
+}
+
 } // namespace
 
 // ---- columns ----
@@ -154,6 +171,20 @@ std::optional<double> ImportRecordMaker::date(std::string_view bytes)
     return d;
 }
 
+QString ImportRecordMaker::dateText(int field, int type, double day)
+{
+    // Formatting a date goes through the system's local time for every call; the same days come
+    // again and again, and the text depends on the type and the day alone.
+    const DateTextKey key{type, day};
+    if (auto it = dateTexts_.find(key); it != dateTexts_.end())
+        return it->second;
+    QString text = hooks_.FormatFieldValue(design_, field, day);
+    if (dateTexts_.size() >= kDateMemory)
+        dateTexts_.clear();
+    dateTexts_.emplace(key, text);
+    return text;
+}
+
 bool ImportRecordMaker::numberFits(int type, double value) const
 {
     if (!std::isfinite(value))
@@ -197,8 +228,10 @@ void ImportRecordMaker::fillBytes(const ImportRows &rows, int row, const QString
                 v = 0;
             }
             if (type == 1) {
-                // The field shows 15 digits, and that is what it keeps, as when typed.
-                v = Val(NumberToText(v));
+                // The field shows 15 digits, and that is what it keeps, as when typed. A text of
+                // no more digits than that gives that double already.
+                if (significantDigits(value) > 15)
+                    v = Val(NumberToText(v));
                 RecordCodec::writeDouble(scratch, 1, v);
             } else if (type == 5) {
                 RecordCodec::writeInt32(scratch, 1, static_cast<int32_t>(std::nearbyint(v)));
@@ -258,7 +291,7 @@ void ImportRecordMaker::fillPage(const ImportRows &rows, int row, const QString 
             const std::optional<double> d = date(rows.value(row, column));
             const double day = d && currencyFits(*d) ? *d : 0.0;
             page_.FieldDate[qsizetype(i)] = day;
-            page_.FieldText[qsizetype(i)] = day == 0 ? QString() : hooks_.FormatFieldValue(design_, int(i), day);
+            page_.FieldText[qsizetype(i)] = day == 0 ? QString() : dateText(int(i), type, day);
         } else if (isNumberType(type)) {
             double v = NumberFromBytes(rows.value(row, column), decimalSeparator_, codePage_);
             if (!numberFits(type, v)) {

@@ -61,6 +61,7 @@ public:
 
 private:
     std::optional<double> date(std::string_view bytes);
+    QString dateText(int field, int type, double day);
     bool numberFits(int type, double value) const;
     void fillPage(const ImportRows &rows, int row, const QString *pictureNames, QStringList &warnings);
     void fillBytes(const ImportRows &rows, int row, const QString *pictureNames, char *plain, QStringList &warnings);
@@ -80,6 +81,15 @@ private:
     bool formulas_ = false;
     QByteArray blankPlain_; // the blank record's bytes, unscrambled
     std::unordered_map<std::string, std::optional<double>> dates_; // the date reader's answers
+    struct DateTextKey {
+        int type;
+        double day;
+        bool operator==(const DateTextKey &o) const { return type == o.type && day == o.day; }
+    };
+    struct DateTextHash {
+        size_t operator()(const DateTextKey &k) const { return std::hash<double>()(k.day) * 31 + size_t(k.type); }
+    };
+    std::unordered_map<DateTextKey, QString, DateTextHash> dateTexts_; // shown texts of the days
 };
 
 } // namespace ff

@@ -1,5 +1,6 @@
 #include "export/TextImport.h"
 
+#include "core/FixedClock.h"
 #include "entry/EngineFormulaHooks.h"
 #include "export/ImportAppender.h"
 #include "export/ImportLineMachine.h"
@@ -64,6 +65,7 @@ bool hasFormulas(const Design &design)
 // One thread's share of the work: a maker with its own page and, when formulas run on more than
 // one thread, its own formula context and engine.
 struct Worker {
+    std::unique_ptr<FixedClock> clock;
     std::unique_ptr<FormulaContext> context;
     std::unique_ptr<EngineFormulaHooks> hooks;
     std::unique_ptr<ImportRecordMaker> maker;
@@ -148,6 +150,10 @@ void TextImportRun::makeWorkers()
         QLocale locale;
         if (setup_.formulaContext) {
             w->context = std::make_unique<FormulaContext>(*setup_.formulaContext);
+            // The whole import happens at one moment: reading the system clock for every record
+            // costs more than the formulas themselves.
+            w->clock = std::make_unique<FixedClock>(setup_.formulaContext->clock->now());
+            w->context->clock = w->clock.get();
             if (count > 1)
                 w->context->host = nullptr;
             locale = w->context->locale;
