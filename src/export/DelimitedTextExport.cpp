@@ -8,6 +8,9 @@
 #include <QFileInfo>
 
 #include <atomic>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 #include <charconv>
 #include <condition_variable>
 #include <cstring>
@@ -43,19 +46,50 @@ QString DelimitedTextExport::fileName(const QString &base) const
     return base + QLatin1Char('.') + extension;
 }
 
+namespace {
+
+// True when some byte of the 8 in `word` equals `byte` (the classic test for a zero byte).
+inline bool holdsByte(uint64_t word, uint8_t byte)
+{
+    const uint64_t x = word ^ (0x0101010101010101ULL * byte);
+    return ((x - 0x0101010101010101ULL) & ~x & 0x8080808080808080ULL) != 0;
+}
+
+} // namespace
+
+bool DelimitedTextExport::needsQuotes(const char *value, size_t size) const
+{
+    // Eight bytes at a time for the three bytes that can start trouble; a hit is then looked at.
+    const uint8_t separator = separator_.empty() ? uint8_t('"') : uint8_t(separator_[0]);
+    size_t k = 0;
+    bool suspect = false;
+#if defined(__SSE2__)
+    const __m128i quote = _mm_set1_epi8('"'), separate = _mm_set1_epi8(char(separator)), cr = _mm_set1_epi8('\r');
+    for (; k + 16 <= size && !suspect; k += 16) {
+        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(value + k));
+        const __m128i hits = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(v, quote), _mm_cmpeq_epi8(v, separate)),
+                                          _mm_cmpeq_epi8(v, cr));
+        suspect = _mm_movemask_epi8(hits) != 0;
+    }
+#endif
+    for (; k + 8 <= size && !suspect; k += 8) {
+        uint64_t word;
+        std::memcpy(&word, value + k, 8);
+        suspect = holdsByte(word, '"') || holdsByte(word, separator) || holdsByte(word, '\r');
+    }
+    for (; k < size && !suspect; ++k)
+        suspect = value[k] == '"' || uint8_t(value[k]) == separator || value[k] == '\r';
+    if (!suspect)
+        return false;
+    const std::string_view text(value, size);
+    return text.find('"') != std::string_view::npos
+        || (!separator_.empty() && text.find(separator_) != std::string_view::npos)
+        || text.find("\r\n") != std::string_view::npos;
+}
+
 void DelimitedTextExport::appendQuoted(const char *value, size_t size, std::string &out) const
 {
-    const bool quote = std::memchr(value, '"', size) != nullptr;
-    bool enclose = quote;
-    if (!enclose && !separator_.empty()) {
-        if (separator_.size() == 1)
-            enclose = std::memchr(value, separator_[0], size) != nullptr;
-        else
-            enclose = std::string_view(value, size).find(separator_) != std::string_view::npos;
-    }
-    if (!enclose)
-        enclose = std::string_view(value, size).find("\r\n") != std::string_view::npos;
-    if (!enclose) {
+    if (!needsQuotes(value, size)) {
         out.append(value, size);
         return;
     }
@@ -66,6 +100,15 @@ void DelimitedTextExport::appendQuoted(const char *value, size_t size, std::stri
         out += value[k];
     }
     out += '"';
+}
+
+void DelimitedTextExport::quoteTail(std::string &out, size_t from) const
+{
+    if (!needsQuotes(out.data() + from, out.size() - from))
+        return;
+    const std::string value = out.substr(from);
+    out.resize(from);
+    appendQuoted(value.data(), value.size(), out);
 }
 
 std::string DelimitedTextExport::headRow() const
@@ -88,11 +131,10 @@ void DelimitedTextExport::appendRow(ExportRecordReader &reader, std::string &out
     const std::to_chars_result r = std::to_chars(number, number + sizeof number, reader.record());
     out.append(number, size_t(r.ptr - number));
     out += separator_;
-    thread_local std::string value;
     for (const ExportColumn &c : columns_) {
-        value.clear();
-        reader.appendValue(c, value);
-        appendQuoted(value.data(), value.size(), out);
+        const size_t from = out.size();
+        reader.appendValue(c, out); // written in place, and quoted afterwards in the rare case it must be
+        quoteTail(out, from);
         out += separator_;
     }
     out.resize(out.size() - separator_.size());

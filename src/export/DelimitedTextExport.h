@@ -43,7 +43,10 @@ public:
     static constexpr int kTwoThreadsFrom = 20000;
 
 private:
+    bool needsQuotes(const char *value, size_t size) const;
     void appendQuoted(const char *value, size_t size, std::string &out) const;
+    // Quotes the value that stands in `out` from `from` on, when it needs quotes.
+    void quoteTail(std::string &out, size_t from) const;
     struct Chunk;
     Status makeChunk(ExportRecordReader &reader, const ExportRange &range, int first, int count, Chunk &chunk) const;
     int copyPicture(const QString &name, const QString &folder) const;

@@ -90,6 +90,10 @@ void ExportRecordReader::appendConstant(const QString &text, std::string &out) c
 
 void ExportRecordReader::appendStoredText(const uint8_t *p, int size, std::string &out) const
 {
+    // Trailing blanks eight at a time: texts are padded to their slot.
+    static const char blanks[8] = {' ', ' ', ' ', ' ', ' ', ' ', ' ', ' '};
+    while (size >= 8 && std::memcmp(p + size - 8, blanks, 8) == 0)
+        size -= 8;
     while (size > 0 && p[size - 1] == ' ')
         --size;
     if (textsAsStored_) {

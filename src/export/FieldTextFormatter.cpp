@@ -277,14 +277,39 @@ void DateTextCache::append(const Design &design, const FormulaHooks &hooks, cons
 {
     if (stored == 0)
         return; // a zero date shows empty
-    if (size_t(index) >= texts_.size())
-        texts_.resize(size_t(index) + 1);
-    std::unordered_map<int64_t, QByteArray> &texts = texts_[size_t(index)];
-    auto it = texts.find(stored);
-    if (it == texts.end()) {
-        if (texts.size() >= 65536)
-            texts.clear(); // dates with times of day seldom repeat: keep the memory bounded
-        it = texts.emplace(stored, codePage.encode(hooks.FormatFieldValue(design, index, double(stored) / 10000.0))).first;
+    if (size_t(index) >= fields_.size())
+        fields_.resize(size_t(index) + 1);
+    FieldDates &f = fields_[size_t(index)];
+    const auto make = [&] { return codePage.encode(hooks.FormatFieldValue(design, index, double(stored) / 10000.0)); };
+    constexpr int64_t kDays = 1 << 18; // about 700 years around the first date seen
+    if (stored % 10000 == 0) {
+        const int64_t day = stored / 10000;
+        if (f.days.empty())
+            f.firstDay = day - kDays / 2;
+        const int64_t at = day - f.firstDay;
+        if (at >= 0 && at < kDays) {
+            if (size_t(at) >= f.days.size())
+                f.days.resize(std::min<size_t>(size_t(kDays), (size_t(at) / 4096 + 1) * 4096));
+            DayText &d = f.days[size_t(at)];
+            if (d.size == 0xFF) {
+                const QByteArray text = make();
+                if (text.size() <= qsizetype(sizeof d.text)) {
+                    d.size = uint8_t(text.size());
+                    std::memcpy(d.text, text.constData(), size_t(text.size()));
+                } else {
+                    out.append(text.constData(), size_t(text.size()));
+                    return;
+                }
+            }
+            out.append(d.text, d.size);
+            return;
+        }
+    }
+    auto it = f.others.find(stored);
+    if (it == f.others.end()) {
+        if (f.others.size() >= 65536)
+            f.others.clear(); // dates with times of day seldom repeat: keep the memory bounded
+        it = f.others.emplace(stored, make()).first;
     }
     out.append(it->second.constData(), size_t(it->second.size()));
 }

@@ -76,7 +76,17 @@ public:
                 std::string &out);
 
 private:
-    std::vector<std::unordered_map<int64_t, QByteArray>> texts_; // by field index
+    // Whole days in a table indexed by the day (most dates are), anything else in a map.
+    struct DayText {
+        uint8_t size = 0xFF; // 0xFF: not made yet
+        char text[31];
+    };
+    struct FieldDates {
+        int64_t firstDay = 0; // the day of days[0], set by the first date seen
+        std::vector<DayText> days;
+        std::unordered_map<int64_t, QByteArray> others;
+    };
+    std::vector<FieldDates> fields_; // by field index
 };
 
 } // namespace ff
