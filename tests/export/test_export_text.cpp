@@ -279,3 +279,25 @@ TEST(ExportKinds, TheChoosersListIsBuiltFromTheDesign)
     EXPECT_EQ(TemplateFileExtension(QStringLiteral("*.html")), QStringLiteral(".html"));
     EXPECT_TRUE(TemplateFileExtension(QStringLiteral("*./../x")).isNull());
 }
+
+TEST(ExportText, FormulasRunForEveryRecordOnBothThreads)
+{
+    Design d = shopDesign();
+    d.Fields[2].FieldFormula = QStringLiteral("F1"); // a text formula: the name with blanks made "_"
+    ShopStore shop(d);
+    std::vector<ShopRecord> records(24000);
+    for (size_t k = 0; k < records.size(); ++k)
+        records[k].name = QStringLiteral("n %1").arg(k + 1);
+    shop.write(records);
+    for (const int threads : {1, 2}) {
+        ExportRequest r = request(kText, ExportRange::Records(1, 24000, 24000));
+        r.threads = threads;
+        ASSERT_TRUE(shop.run(r));
+        const QList<QByteArray> rows = rowsOf(shop.file(QStringLiteral("out.txt")));
+        ASSERT_EQ(rows.size(), 24001);
+        int wrong = 0;
+        for (qsizetype k = 1; k < rows.size(); ++k)
+            wrong += !rows[k].startsWith(QByteArray::number(k) + ";n " + QByteArray::number(k) + ";n_" + QByteArray::number(k) + ";");
+        EXPECT_EQ(wrong, 0) << threads << ": " << rows[1].toStdString();
+    }
+}
