@@ -57,6 +57,10 @@ public:
     bool pending() const { return inQuote_; }
     size_t carrySize() const { return carry_.size(); }
 
+    // Takes every row through the rules step by step, as a check on the one-pass reading of
+    // ordinary rows.
+    void useStepByStepOnly() { fastPath_ = false; }
+
     // The header line: upper case is the caller's; double quotes removed, split at the delimiter.
     std::vector<QByteArray> splitHeader(const char *line, qsizetype size) const;
 
@@ -65,11 +69,14 @@ private:
     bool separatorAt(const char *p, const char *end) const;
     void pairsAndTriples(const char *line, qsizetype size);
     void takeRow(const char *row, qsizetype size, ImportRows &rows) const;
+    bool oneLineRow(const char *line, qsizetype size, ImportRows &rows) const;
 
     QByteArray separator_;
     bool doubleByte_ = false;
     bool leadBytes_[256] = {};
     bool inQuote_ = false;
+    bool fastPath_ = false;
+    bool special_[256] = {}; // the bytes the one-pass reading stops at
     std::vector<char> carry_;   // the row so far: lines with CR LF between them, after step 5
     std::vector<char> work_, swap_;
 };

@@ -125,7 +125,7 @@ ImportRecordMaker::ImportRecordMaker(const Design &design, const RecordLayout &l
                                      FormulaHooks &hooks, QChar decimalSeparator, const Page &blank, QLocale locale)
     : design_(design), layout_(layout), columns_(columns), hooks_(hooks), decimalSeparator_(decimalSeparator),
       separatorText_(decimalSeparator), blank_(blank), locale_(std::move(locale)), codePage_(design.FontCharset),
-      codec_(design, layout, hooks, decimalSeparator), page_(design)
+      codec_(design, layout, hooks, decimalSeparator), page_(design), dateSlots_(kDateMemory)
 {
     for (size_t i = 1; i < design.Fields.size(); ++i)
         formulas_ = formulas_ || !design.Fields[i].FieldFormula.isEmpty();
@@ -161,14 +161,18 @@ double ImportRecordMaker::NumberFromBytes(std::string_view bytes, QChar decimalS
 
 std::optional<double> ImportRecordMaker::date(std::string_view bytes)
 {
-    std::string key(bytes);
-    if (auto it = dates_.find(key); it != dates_.end())
-        return it->second;
-    const std::optional<double> d = ReadDate(codePage_.decode(bytes.data(), qsizetype(bytes.size())), locale_);
-    if (dates_.size() >= kDateMemory)
-        dates_.clear();
-    dates_.emplace(std::move(key), d);
-    return d;
+    // The reader's answers are kept in a table of slots by a hash of the text: the same dates
+    // come again and again in an import.
+    uint32_t hash = 2166136261u;
+    for (const char c : bytes)
+        hash = (hash ^ uint8_t(c)) * 16777619u;
+    DateSlot &slot = dateSlots_[hash % dateSlots_.size()];
+    if (slot.used && slot.key == bytes)
+        return slot.value;
+    slot.value = ReadDate(codePage_.decode(bytes.data(), qsizetype(bytes.size())), locale_);
+    slot.key.assign(bytes);
+    slot.used = true;
+    return slot.value;
 }
 
 QString ImportRecordMaker::dateText(int field, int type, double day)

@@ -80,7 +80,12 @@ private:
     Page page_;
     bool formulas_ = false;
     QByteArray blankPlain_; // the blank record's bytes, unscrambled
-    std::unordered_map<std::string, std::optional<double>> dates_; // the date reader's answers
+    struct DateSlot {
+        std::string key;
+        std::optional<double> value;
+        bool used = false;
+    };
+    std::vector<DateSlot> dateSlots_; // the date reader's answers
     struct DateTextKey {
         int type;
         double day;

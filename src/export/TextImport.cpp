@@ -12,6 +12,7 @@
 #include <QFileInfo>
 
 #include <cstring>
+#include <atomic>
 #include <memory>
 #include <thread>
 
@@ -81,13 +82,33 @@ public:
     {
     }
 
+    ~TextImportRun()
+    {
+        if (helper_.joinable())
+            helper_.join();
+    }
+
     Result<ImportReport> run();
 
 private:
     Status readHeader(QFile &file);
     void makeWorkers();
+    // A batch of rows: numbered and its pictures stored on this thread, then made into records
+    // by the helper thread while this one reads the next batch, and written in one piece.
+    struct Batch {
+        ImportRows rows;
+        std::vector<QString> pictureNames; // rows x pictures
+        std::vector<char> records;
+        int64_t first = 0;
+        int take = 0;
+        bool withPictures = false;
+        int32_t nextPicture = 0; // NextPictureNumber once its pictures are stored
+        std::atomic<int> nextChunk{0};
+    };
     Status flush();
-    QStringList storePictures(int row);
+    void makeChunks(Worker &worker, Batch &batch);
+    Status finishInFlight();
+    QStringList storePictures(const ImportRows &rows, int row);
     QString pictureSource(const QString &value) const;
     void warn(const QString &text);
 
@@ -102,8 +123,9 @@ private:
     ImportColumns columns_;
     ImportRows rows_;
     std::vector<std::unique_ptr<Worker>> workers_;
-    std::vector<char> records_;
-    std::vector<QString> pictureNames_; // rows x pictures of the batch
+    Batch batches_[2];
+    int inFlight_ = -1; // the batch being made, or -1
+    std::thread helper_;
     std::vector<char> pending_;         // the part of a line that a read block cut off
     int32_t nextPicture_ = 0;
     ImportReport report_;
@@ -190,15 +212,15 @@ QString TextImportRun::pictureSource(const QString &value) const
 }
 
 // The record pictures of one row, stored in row order so that each takes the next number.
-QStringList TextImportRun::storePictures(int row)
+QStringList TextImportRun::storePictures(const ImportRows &rows, int row)
 {
     QStringList names;
     for (size_t i = 0; i < design_.Pictures.size(); ++i) {
         names << QString();
         const int column = columns_.picture[i];
-        if (column < 0 || column >= rows_.valueCount(row))
+        if (column < 0 || column >= rows.valueCount(row))
             continue;
-        const std::string_view value = rows_.value(row, column);
+        const std::string_view value = rows.value(row, column);
         const QString source = pictureSource(codePage_.decode(value.data(), qsizetype(value.size())));
         if (source.isEmpty())
             continue; // no such file: the field stays empty
@@ -229,57 +251,80 @@ Status TextImportRun::flush()
     const int rows = rows_.rowCount();
     if (rows == 0)
         return {};
+    Batch &batch = batches_[inFlight_ == 0 ? 1 : 0];
     // Numbers first: the rows past the record limit are not stored.
-    int64_t first = 0;
-    int take = 0;
-    for (; take < rows; ++take) {
+    batch.first = 0;
+    batch.take = 0;
+    for (; batch.take < rows; ++batch.take) {
         const std::optional<int64_t> n = appender_.nextRecord();
         if (!n)
             break;
-        if (take == 0)
-            first = *n;
+        if (batch.take == 0)
+            batch.first = *n;
     }
-    if (take < rows)
+    if (batch.take < rows)
         report_.limitReached = true;
-    if (take == 0) {
-        rows_.clear();
-        return {};
-    }
     const size_t pictures = design_.Pictures.size();
-    const bool withPictures = setup_.pictures && columns_.pictureColumns > 0 && pictures > 0;
-    if (withPictures) {
-        pictureNames_.assign(size_t(take) * pictures, QString());
-        for (int r = 0; r < take; ++r) {
-            const QStringList names = storePictures(r);
+    batch.withPictures = setup_.pictures && columns_.pictureColumns > 0 && pictures > 0;
+    if (batch.withPictures) {
+        batch.pictureNames.assign(size_t(batch.take) * pictures, QString());
+        for (int r = 0; r < batch.take; ++r) {
+            const QStringList names = storePictures(rows_, r);
             for (size_t i = 0; i < pictures; ++i)
-                pictureNames_[size_t(r) * pictures + i] = names.value(qsizetype(i));
+                batch.pictureNames[size_t(r) * pictures + i] = names.value(qsizetype(i));
         }
     }
-    const int length = store_.layout().RecordLength;
-    records_.resize(size_t(take) * size_t(length));
-    auto makeRange = [&](Worker &w, int from, int to) {
+    batch.nextPicture = nextPicture_;
+    batch.rows.clear();
+    std::swap(batch.rows, rows_);
+    // The batch before this one is finished (this thread lends a hand) before this one starts.
+    if (Status done = finishInFlight(); !done)
+        return done;
+    if (batch.take == 0)
+        return {};
+    batch.records.resize(size_t(batch.take) * size_t(store_.layout().RecordLength));
+    batch.nextChunk = 0;
+    inFlight_ = &batch == &batches_[0] ? 0 : 1;
+    if (workers_.size() > 1)
+        helper_ = std::thread([this, &batch] { makeChunks(*workers_[1], batch); });
+    return {};
+}
+
+void TextImportRun::makeChunks(Worker &worker, Batch &batch)
+{
+    constexpr int kChunk = 256;
+    const size_t length = size_t(store_.layout().RecordLength);
+    const size_t pictures = design_.Pictures.size();
+    for (;;) {
+        const int from = batch.nextChunk.fetch_add(1) * kChunk;
+        if (from >= batch.take)
+            return;
+        const int to = std::min(batch.take, from + kChunk);
         for (int r = from; r < to; ++r)
-            w.maker->make(rows_, r, first + r, withPictures ? &pictureNames_[size_t(r) * pictures] : nullptr,
-                          records_.data() + size_t(r) * size_t(length), w.warnings);
-    };
-    if (workers_.size() > 1 && take > 64) {
-        const int half = take / 2;
-        std::thread helper([&] { makeRange(*workers_[1], half, take); });
-        makeRange(*workers_[0], 0, half);
-        helper.join();
-    } else {
-        makeRange(*workers_[0], 0, take);
+            worker.maker->make(batch.rows, r, batch.first + r,
+                               batch.withPictures ? &batch.pictureNames[size_t(r) * pictures] : nullptr,
+                               batch.records.data() + size_t(r) * length, worker.warnings);
     }
+}
+
+Status TextImportRun::finishInFlight()
+{
+    if (inFlight_ < 0)
+        return {};
+    Batch &batch = batches_[inFlight_];
+    inFlight_ = -1;
+    makeChunks(*workers_[0], batch);
+    if (helper_.joinable())
+        helper_.join();
     for (auto &w : workers_) {
         for (const QString &text : std::as_const(w->warnings))
             warn(text);
         w->warnings.clear();
     }
-    rows_.clear();
-    if (withPictures)
-        if (Status s = appender_.setNextPictureNumber(nextPicture_); !s)
+    if (batch.withPictures)
+        if (Status s = appender_.setNextPictureNumber(batch.nextPicture); !s)
             return s;
-    return appender_.write(first, records_.data(), take);
+    return appender_.write(batch.first, batch.records.data(), batch.take);
 }
 
 Result<ImportReport> TextImportRun::run()
@@ -361,6 +406,8 @@ Result<ImportReport> TextImportRun::run()
     }
     if (failed.ok())
         failed = flush();
+    if (Status last = finishInFlight(); failed.ok())
+        failed = last;
     if (failed.ok() && machine_.pending() && !report_.stopped && !report_.limitReached)
         warn(QStringLiteral("the file ends inside a quoted value: its last row was not imported"));
     report_.added = int(appender_.written());

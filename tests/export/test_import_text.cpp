@@ -29,9 +29,11 @@ namespace {
 // ---- the line rules ----
 
 std::vector<std::vector<std::string>> rowsOf(const std::vector<std::string> &lines, const QByteArray &sep = ",",
-                                             int charset = 0, bool *pending = nullptr)
+                                             int charset = 0, bool *pending = nullptr, bool stepByStep = false)
 {
     ImportLineMachine machine(sep, charset);
+    if (stepByStep)
+        machine.useStepByStepOnly();
     ImportRows rows;
     for (const std::string &line : lines)
         machine.feedLine(line.data(), qsizetype(line.size()), rows);
@@ -74,8 +76,10 @@ TEST(ImportLines, RulesOfTheLineMachine)
         {"a delimiter of two bytes", {"a||\"b||c\"||d~e"}, {{"a", "b||c", "d||e"}}, "||"},
         {"quotes inside a value that is not quoted go", {"ab\"c\"d,e"}, {{"abcd", "e"}}},
     };
-    for (const LineCase &c : cases)
+    for (const LineCase &c : cases) {
         EXPECT_EQ(rowsOf(c.lines, c.separator), c.rows) << c.what;
+        EXPECT_EQ(rowsOf(c.lines, c.separator, 0, nullptr, true), c.rows) << c.what << " (step by step)";
+    }
 }
 
 TEST(ImportLines, FileEndingInsideQuotesGivesNoRow)
@@ -94,6 +98,33 @@ TEST(ImportLines, SecondBytesOfDoubleByteCharactersAreNoMarks)
     EXPECT_EQ(rowsOf({"x\x81\x7Cy|z"}, "|", 128), (std::vector<std::vector<std::string>>{{"x\x81\x7Cy", "z"}}));
     // In a single-byte page the same bytes are two characters.
     EXPECT_EQ(rowsOf({"x\x81|z"}, "|", 0), (std::vector<std::vector<std::string>>{{"x\x81", "z"}}));
+}
+
+TEST(ImportLines, OnePassReadingAgreesWithTheStepByStepRules)
+{
+    // Random lines over the bytes that matter, through both readings.
+    const std::string alphabet = "ab ,\"\"\"~<}>;";
+    QRandomGenerator random(5);
+    for (const char *separator : {",", ";"}) {
+        ImportLineMachine fast(separator, 0), exact(separator, 0);
+        exact.useStepByStepOnly();
+        ImportRows fastRows, exactRows;
+        for (int k = 0; k < 20000; ++k) {
+            std::string line;
+            for (int n = random.bounded(14); n > 0; --n)
+                line += alphabet[size_t(random.bounded(int(alphabet.size())))];
+            const bool a = fast.feedLine(line.data(), qsizetype(line.size()), fastRows);
+            const bool b = exact.feedLine(line.data(), qsizetype(line.size()), exactRows);
+            ASSERT_EQ(a, b) << line;
+            ASSERT_EQ(fast.pending(), exact.pending()) << line;
+        }
+        ASSERT_EQ(fastRows.rowCount(), exactRows.rowCount());
+        for (int r = 0; r < fastRows.rowCount(); ++r) {
+            ASSERT_EQ(fastRows.valueCount(r), exactRows.valueCount(r)) << "row " << r;
+            for (int c = 0; c < fastRows.valueCount(r); ++c)
+                ASSERT_EQ(fastRows.value(r, c), exactRows.value(r, c)) << "row " << r << " value " << c;
+        }
+    }
 }
 
 TEST(ImportLines, HeaderLosesItsQuotes)
