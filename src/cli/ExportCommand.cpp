@@ -1,12 +1,14 @@
 #include "cli/ExportCommand.h"
 
 #include "export/RecordExport.h"
+#include "export/XmlRecord.h"
 #include "search/SearchEngine.h"
 #include "search/SearchNames.h"
 #include "search/SortIndexBuilder.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonObject>
 
 #include <optional>
 
@@ -14,9 +16,9 @@ namespace ff::cli {
 
 namespace {
 
-const char kKinds[] = "text, copy, template:I, templates:I, xls or listing";
+const char kKinds[] = "text, copy, template:I, templates:I, xls, listing or xml";
 
-// The kinds by name. The XML records take their place here once they are written.
+// The kinds by name; xml, one record's text, is told apart ahead of these.
 std::optional<ExportChoice> parseKind(const QString &word)
 {
     const QString kind = word.toLower();
@@ -48,7 +50,8 @@ ExportCommand::ExportCommand()
                       QStringLiteral("Writes records to a file as the export command does.\n"
                                      "KIND is text, copy, template:I (template I, 0 to 9, one file), templates:I (a file\n"
                                      "a record in a folder), xls or listing. OUT is the folder and name; the kind adds\n"
-                                     "its extension. All records in file order unless --from, --to, --sort or --search.")),
+                                     "its extension. All records in file order unless --from, --to, --sort or --search.\n"
+                                     "KIND xml writes the XML text of record --record N to OUT (\"-\": standard output).")),
       fromOption_(QStringLiteral("from"), QStringLiteral("The first place of the range (default 1)."), QStringLiteral("N")),
       toOption_(QStringLiteral("to"), QStringLiteral("The last place of the range (default the last record)."),
                 QStringLiteral("M")),
@@ -60,7 +63,8 @@ ExportCommand::ExportCommand()
                   QStringLiteral("TAG")),
       downOption_(QStringLiteral("down"), QStringLiteral("With --sort: from the largest value down.")),
       threadsOption_(QStringLiteral("threads"), QStringLiteral("Threads of the text export (default: as it sees fit)."),
-                     QStringLiteral("N"))
+                     QStringLiteral("N")),
+      recordOption_(QStringLiteral("record"), QStringLiteral("With xml: the record to write."), QStringLiteral("N"))
 {
     addOption(fromOption_);
     addOption(toOption_);
@@ -68,6 +72,7 @@ ExportCommand::ExportCommand()
     addOption(sortOption_);
     addOption(downOption_);
     addOption(threadsOption_);
+    addOption(recordOption_);
 }
 
 std::optional<CliDatabase::Access> ExportCommand::access(const QStringList &arguments, const QCommandLineParser &) const
@@ -145,9 +150,36 @@ bool ExportCommand::chooseRange(CliDatabase &database, const QCommandLineParser 
     return true;
 }
 
+int ExportCommand::exportXml(CliDatabase &database, const QString &out, const QCommandLineParser &parser, CommandIo &io)
+{
+    bool ok = false;
+    const int record = parser.value(recordOption_).toInt(&ok);
+    if (!parser.isSet(recordOption_) || !ok)
+        return usageError(io, QStringLiteral("xml writes one record: give --record N"));
+    RecordStore &store = database.db().store();
+    if (record < 1 || record > store.RecordCount() || !store.JumpToRecord(record)) {
+        io.err << name() << ": no record " << record << " (the data file holds " << store.RecordCount() << ")\n";
+        return 1;
+    }
+    const QString text = XmlRecord::CopyAll(store.page(), record);
+    if (out == QLatin1String("-")) {
+        io.out << text;
+        return 0;
+    }
+    QFile file(out);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0) {
+        io.err << name() << ": " << out << ": " << file.errorString() << "\n";
+        return 1;
+    }
+    io.out << "exported record " << record << " to " << QDir::toNativeSeparators(out) << "\n";
+    return 0;
+}
+
 int ExportCommand::executeOn(CliDatabase &database, const QStringList &arguments, const QCommandLineParser &parser,
                              CommandIo &io)
 {
+    if (arguments[0].compare(QLatin1String("xml"), Qt::CaseInsensitive) == 0)
+        return exportXml(database, arguments[1], parser, io);
     const std::optional<ExportChoice> choice = parseKind(arguments[0]);
     if (!choice)
         return usageError(io, QStringLiteral("unknown kind \"%1\" (%2)").arg(arguments[0], QLatin1String(kKinds)));
@@ -173,6 +205,12 @@ int ExportCommand::executeOn(CliDatabase &database, const QStringList &arguments
     if (!done) {
         io.err << name() << ": " << done.error().text << "\n";
         return 1;
+    }
+    if (jsonWanted(parser)) {
+        writeJson(io.out, QJsonDocument(QJsonObject{{QStringLiteral("records"), done->records},
+                                                    {QStringLiteral("path"), done->path},
+                                                    {QStringLiteral("pictures"), done->pictures}}));
+        return 0;
     }
     io.out << "exported " << done->records << (done->records == 1 ? " record" : " records") << " to "
            << QDir::toNativeSeparators(done->path);

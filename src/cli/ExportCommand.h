@@ -1,12 +1,15 @@
 #pragma once
 // export IMAGE KIND OUT [--data FILE] [--from N] [--to M] [--search "LINE"] [--sort TAG [--down]]
+// export IMAGE xml OUT --record N
 //
 // Writes records of an app image's data file as the export command of the window does. KIND is
 // text (the delimited text), copy (new record files), template:I (template I, 0 to 9, into one
 // file), templates:I (template I, a file a record in a folder), xls (the spreadsheet) or listing
 // (the ".rtf" listing). OUT is the folder and name of the export; its extension is cut and the
 // kind adds its own. The range is all records, or --from and --to, in file order or in the order
-// of --sort; --search exports the records a select or find line lists, in its order.
+// of --sort; --search exports the records a select or find line lists, in its order. The kind xml
+// writes the XML text of one record, as Copy puts it on the clipboard, in UTF-8 (OUT "-" is
+// standard output).
 
 #include "cli/DatabaseCommand.h"
 
@@ -28,6 +31,7 @@ protected:
 private:
     // The range the options ask for; false after a message when they do not fit the records.
     bool chooseRange(CliDatabase &database, const QCommandLineParser &parser, CommandIo &io, ExportRange &range);
+    int exportXml(CliDatabase &database, const QString &out, const QCommandLineParser &parser, CommandIo &io);
 
     QCommandLineOption fromOption_;
     QCommandLineOption toOption_;
@@ -35,6 +39,7 @@ private:
     QCommandLineOption sortOption_;
     QCommandLineOption downOption_;
     QCommandLineOption threadsOption_;
+    QCommandLineOption recordOption_;
 };
 
 } // namespace ff::cli

@@ -70,6 +70,23 @@ TEST_F(CliImport, XmlAndRecordFilesByTheirExtension)
     EXPECT_EQ(o.value(QStringLiteral("count")).toInt(), 5);
 }
 
+TEST_F(CliImport, ARecordExportedAsXmlComesBackAsANewRecord)
+{
+    ASSERT_EQ(import({write(QStringLiteral("a.txt"), "firstname;company;notes;vip\r\nAda;\"A & B <C>\";\"one\r\ntwo\";1\r\n")}).code, 0);
+    const CliRun text = cli(QStringLiteral("export"), {QStringLiteral("xml"), QStringLiteral("-"), QStringLiteral("--record"), QStringLiteral("1")});
+    ASSERT_EQ(text.code, 0) << text.err.toStdString();
+    EXPECT_TRUE(text.out.startsWith(QLatin1String("<?xml version=\"1.0\" ?>\r\n<Contacts_Record_1>\r\n")));
+    EXPECT_TRUE(text.out.contains(QLatin1String("  <company>A &amp; B &lt;C&gt;</company>\r\n")));
+    const QString file = dir.filePath(QStringLiteral("one.xml"));
+    ASSERT_EQ(cli(QStringLiteral("export"), {QStringLiteral("xml"), file, QStringLiteral("--record"), QStringLiteral("1")}).code, 0);
+    ASSERT_EQ(import({file}).code, 0);
+    const QString first = show(1), second = show(2);
+    for (const char *tag : {"F1", "F3", "F14", "K1", "M1"})
+        EXPECT_EQ(valueOf(second, QLatin1String(tag)), valueOf(first, QLatin1String(tag))) << tag;
+    EXPECT_EQ(cli(QStringLiteral("export"), {QStringLiteral("xml"), QStringLiteral("-"), QStringLiteral("--record"), QStringLiteral("9")}).code, 1);
+    EXPECT_EQ(cli(QStringLiteral("export"), {QStringLiteral("xml"), QStringLiteral("-")}).code, 2);
+}
+
 TEST_F(CliImport, BadInputIsRefusedAndNothingIsLost)
 {
     ASSERT_EQ(import({write(QStringLiteral("a.txt"), "firstname\r\nAda\r\n")}).code, 0);
