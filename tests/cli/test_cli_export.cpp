@@ -87,6 +87,10 @@ TEST_F(ExportCli, EveryKindWritesItsFile)
     }
     EXPECT_EQ(fileBytes(dir.filePath(QStringLiteral("book/3.vcf"))), QByteArray("N:Lee;Ada\r\nNOTE:\r\nNo 3\r\n"));
     EXPECT_EQ(QDir(dir.filePath(QStringLiteral("book"))).entryList(QDir::Files).size(), 4);
+    const CliRun json = exportAs(QStringLiteral("text"), QStringLiteral("short"), {"--json", "--to", "2"});
+    ASSERT_EQ(json.code, 0);
+    EXPECT_EQ(parsedJson(json)[QStringLiteral("records")].toInt(), 2);
+    EXPECT_EQ(parsedJson(json)[QStringLiteral("path")].toString(), dir.filePath(QStringLiteral("short.txt")));
     // One file: the first record of the range alone.
     ASSERT_EQ(exportAs(QStringLiteral("template:2"), QStringLiteral("one"), {"--from", "4"}).code, 0);
     EXPECT_EQ(fileBytes(dir.filePath(QStringLiteral("one4.vcf"))), QByteArray("N:Lee;Bo\r\nNOTE:\r\nNo 4\r\n"));
