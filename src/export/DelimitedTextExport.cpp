@@ -207,7 +207,8 @@ Result<ExportOutcome> DelimitedTextExport::run(const ExportRange &range, const Q
     const FieldTextFormatter formatter(source_.design, hooks, source_.codePage, source_.decimalSeparator);
     const QString pictureFolder = QDir(QFileInfo(path).absolutePath()).filePath(QStringLiteral("Pictures"));
 
-    // The workers: thread w makes chunks w, w + threads, ... and hands them over in order.
+    // Thread w makes chunks w, w + threads, ...: the calling thread (w 0) makes its own and writes
+    // all of them in order, the helpers hand theirs over through their lanes, at most two ahead.
     struct Lane {
         std::mutex mutex;
         std::condition_variable changed;
@@ -229,18 +230,15 @@ Result<ExportOutcome> DelimitedTextExport::run(const ExportRange &range, const Q
         }
     };
     std::vector<std::thread> helpers;
-    std::unique_ptr<ExportRecordReader> ownReader;
-    if (threads > 1)
-        for (int w = 0; w < threads; ++w)
-            helpers.emplace_back(work, w);
-    else
-        ownReader = std::make_unique<ExportRecordReader>(source_, mode, access, &formatter);
+    for (int w = 1; w < threads; ++w)
+        helpers.emplace_back(work, w);
+    ExportRecordReader ownReader(source_, mode, access, &formatter);
 
     Status failure;
     bool picturesFolderMade = false;
     for (int c = 0; c < chunks && failure && !outcome.stopped; ++c) {
         Chunk chunk;
-        if (threads > 1) {
+        if (c % threads != 0) {
             Lane &lane = lanes[size_t(c % threads)];
             std::unique_lock<std::mutex> lock(lane.mutex);
             lane.changed.wait(lock, [&] { return !lane.ready.empty(); });
@@ -249,7 +247,7 @@ Result<ExportOutcome> DelimitedTextExport::run(const ExportRange &range, const Q
             lane.changed.notify_all();
         } else {
             const int from = first + c * kChunkRecords;
-            chunk.status = makeChunk(*ownReader, range, from, std::min(kChunkRecords, first + total - from), chunk);
+            chunk.status = makeChunk(ownReader, range, from, std::min(kChunkRecords, first + total - from), chunk);
         }
         // Rows are committed one by one, so that a stop at index i keeps exactly the rows before i.
         int rows = chunk.count;

@@ -6,9 +6,9 @@
 // with the record number. The picture files named in a row are copied into the folder
 // "Pictures" beside the export (".jpg" added to a name without a dot); a missing one is passed by.
 //
-// A long export is shared by two threads: the range is cut into chunks of rows that the threads
-// make in turn, each with its own reader, and the chunks are written in order by the calling
-// thread, which also reports progress at every tenth index and learns of the stop there. The file
+// A long export is shared by two threads: the range is cut into chunks of rows that the calling
+// thread and a helper make in turn, each with its own reader; the calling thread writes the
+// chunks in order, reports progress at every tenth index and learns of the stop there. The file
 // holds exactly the rows before the index at which the stop was seen.
 
 #include "core/Progress.h"
