@@ -23,7 +23,8 @@ namespace {
 constexpr qint64 kReadBlock = 4 << 20;   // bytes read from the file at a time
 constexpr int kBatchRows = 8192;          // rows made and written together
 constexpr size_t kBatchBytes = 16 << 20;  // ... or fewer when they are long
-constexpr size_t kMaxCarry = 256u << 20;  // a quoted value longer than this is a broken file
+constexpr size_t kMaxCarry = 256u << 20;  // a line or quoted value longer than this is a broken file
+constexpr qint64 kMaxHeader = 1 << 20;
 constexpr int kMaxWarnings = 50;
 
 // A new record's page, as the store's new-record routine makes it.
@@ -142,7 +143,10 @@ void TextImportRun::warn(const QString &text)
 
 Status TextImportRun::readHeader(QFile &file)
 {
-    QByteArray line = file.readLine();
+    QByteArray line = file.readLine(kMaxHeader);
+    if (!line.endsWith('\n') && !file.atEnd())
+        return makeError(ErrorCode::Invalid, QStringLiteral("%1: the head row is longer than %2 MB: not a delimited text")
+                                                 .arg(fileName_).arg(kMaxHeader >> 20));
     while (line.endsWith('\n') || line.endsWith('\r'))
         line.chop(1);
     if (line.startsWith("\xEF\xBB\xBF"))
@@ -378,6 +382,9 @@ Result<ImportReport> TextImportRun::run()
                 size = qsizetype(pending_.size());
             } else {
                 pending_.insert(pending_.end(), p, end);
+                if (pending_.size() > kMaxCarry)
+                    failed = makeError(ErrorCode::Invalid, QStringLiteral("%1: a line runs on past %2 MB")
+                                                               .arg(fileName_).arg(kMaxCarry >> 20));
                 break;
             }
             if (size > 0 && line[size - 1] == '\r')
