@@ -9,7 +9,8 @@ street, e-mail, a remark, a float, money, a whole number, a day number, a code, 
 check box, under a head row that names the columns. Flatform imports them into the benchmark
 design (bench/bench_design.json) with "," as its separator and one more money field whose formula,
 F7*F8, runs for every record; SQLite into a table of the same columns (`.import --csv --skip 1`).
-Each run starts from no data file or database. Every command runs once unmeasured, then K times
+Each run starts from no data file or database, after the written pages of the run before have
+gone to disk (sync). Every command runs once unmeasured, then K times
 measured; the table shows the median wall time of the whole process, the records per second,
 and the peak resident size (/usr/bin/time -v) of one run of each.
 This is a benchmark, not a test: it checks only that both sides hold N rows afterwards.
@@ -104,6 +105,7 @@ def main():
         for name in (data, db):
             if os.path.exists(name):
                 os.remove(name)
+        os.sync()  # the last run's written pages go to disk now, not during the next timing
 
     script = ("CREATE TABLE t(id INTEGER PRIMARY KEY, name TEXT, city TEXT, street TEXT, email TEXT, remark TEXT, "
               "amount REAL, price REAL, qty INTEGER, day INTEGER, code TEXT, country TEXT, paid INTEGER);\n"

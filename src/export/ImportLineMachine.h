@@ -69,7 +69,8 @@ private:
     bool separatorAt(const char *p, const char *end) const;
     void pairsAndTriples(const char *line, qsizetype size);
     void takeRow(const char *row, qsizetype size, ImportRows &rows) const;
-    bool oneLineRow(const char *line, qsizetype size, ImportRows &rows) const;
+    enum class OneLine { Row, Pending, Pairs };
+    OneLine oneLineRow(const char *line, qsizetype size, ImportRows &rows, bool pairsDone) const;
 
     QByteArray separator_;
     bool doubleByte_ = false;

@@ -5,6 +5,7 @@
 #include "formula/NumberText.h"
 
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -26,14 +27,16 @@ bool currencyFits(double v)
 }
 
 // Val's reading of a text already stripped of blanks, tabs and line feeds, with every character
-// outside ASCII made '?': a sign, digits, one point, an exponent in E or D.
+// outside ASCII made '?': a sign, digits, one point, an exponent in E or D. The number is
+// converted as strtod converts it (both round correctly), by the faster from_chars.
 double valOfStripped(const char *s, size_t n)
 {
     std::string number;
     number.reserve(n + 1);
     size_t i = 0;
+    bool negative = false;
     if (i < n && (s[i] == '+' || s[i] == '-'))
-        number.push_back(s[i++]);
+        negative = s[i++] == '-';
     bool digits = false;
     while (i < n && s[i] >= '0' && s[i] <= '9') {
         number.push_back(s[i++]);
@@ -61,7 +64,11 @@ double valOfStripped(const char *s, size_t n)
         if (expDigits)
             number += exponent;
     }
-    return std::strtod(number.c_str(), nullptr);
+    double value = 0;
+    const std::from_chars_result r = std::from_chars(number.data(), number.data() + number.size(), value);
+    if (r.ec != std::errc())
+        value = std::strtod(number.c_str(), nullptr); // beyond the range of a double: strtod's infinity or 0
+    return negative ? -value : value;
 }
 
 // Digits of a number text, leading zeros not counted: at most 15 come back the same through the
