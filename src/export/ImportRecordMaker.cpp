@@ -140,7 +140,8 @@ ImportRecordMaker::ImportRecordMaker(const Design &design, const RecordLayout &l
     blankPlain_ = packed ? codec_.plain(*packed) : QByteArray(layout.RecordLength, ' ');
 }
 
-double ImportRecordMaker::NumberFromBytes(std::string_view bytes, QChar decimalSeparator, const CodePage &codePage)
+double ImportRecordMaker::NumberFromBytes(std::string_view bytes, QChar decimalSeparator, const CodePage &codePage,
+                                          std::string *cleaned)
 {
     const char16_t sep = decimalSeparator.unicode();
     if (sep >= 128 || sep == 0) {
@@ -163,7 +164,10 @@ double ImportRecordMaker::NumberFromBytes(std::string_view bytes, QChar decimalS
             continue;
         clean.push_back(uint8_t(c) < 128 ? c : '?');
     }
-    return valOfStripped(clean.data(), clean.size());
+    const double value = valOfStripped(clean.data(), clean.size());
+    if (cleaned)
+        *cleaned = std::move(clean);
+    return value;
 }
 
 std::optional<double> ImportRecordMaker::date(std::string_view bytes)
@@ -304,12 +308,23 @@ void ImportRecordMaker::fillPage(const ImportRows &rows, int row, const QString 
             page_.FieldDate[qsizetype(i)] = day;
             page_.FieldText[qsizetype(i)] = day == 0 ? QString() : dateText(int(i), type, day);
         } else if (isNumberType(type)) {
-            double v = NumberFromBytes(rows.value(row, column), decimalSeparator_, codePage_);
+            std::string cleaned;
+            const std::string_view value = rows.value(row, column);
+            const double v = NumberFromBytes(value, decimalSeparator_, codePage_, &cleaned);
             if (!numberFits(type, v)) {
                 warnings << QStringLiteral("%1 does not fit field %2").arg(text(column), design_.Fields[i].Tag);
-                v = 0;
+                page_.FieldText[qsizetype(i)] = QStringLiteral("0");
+            } else if (decimalSeparator_.unicode() < 128 && !cleaned.empty()
+                       && !(type == 1 && significantDigits(value) > 15)) {
+                // The text through the number clean-up, with the system's decimal separator, so
+                // that the record's own reading of it (PackRecord) finds the same number.
+                QString t = QString::fromLatin1(cleaned.data(), qsizetype(cleaned.size()));
+                if (decimalSeparator_ != QLatin1Char('.'))
+                    t.replace(QLatin1Char('.'), decimalSeparator_);
+                page_.FieldText[qsizetype(i)] = t;
+            } else {
+                page_.FieldText[qsizetype(i)] = NumberToText(v, separatorText_);
             }
-            page_.FieldText[qsizetype(i)] = NumberToText(v, separatorText_);
         } else {
             page_.FieldText[qsizetype(i)] = text(column);
         }

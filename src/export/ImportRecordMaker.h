@@ -57,7 +57,10 @@ public:
               QStringList &warnings);
 
     // Val(CleanNumber(text)) on the code page's bytes, as the number fields read their text.
-    static double NumberFromBytes(std::string_view bytes, QChar decimalSeparator, const CodePage &codePage);
+    // `cleaned`, when given, receives the text after the clean-up (blanks out, "." the decimal
+    // point, characters outside ASCII '?'); it stays empty with a separator outside ASCII.
+    static double NumberFromBytes(std::string_view bytes, QChar decimalSeparator, const CodePage &codePage,
+                                  std::string *cleaned = nullptr);
 
 private:
     std::optional<double> date(std::string_view bytes);
