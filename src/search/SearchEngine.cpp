@@ -57,8 +57,9 @@ QStringList SearchEngine::makeRows(const QVector<int> &hits, RecordScanner::Acce
                 rows[k] = QString::number(number);
                 continue;
             }
-            if (scrambled) {
-                stored.copyPlain(record, layout_.RecordLength, plain.data());
+            if (scrambled) { // only the listed slices: a row reads nothing else
+                for (int c = 0; c < count; ++c)
+                    stored.copyPlain(record + columns[c].offset, columns[c].length, plain.data() + columns[c].offset);
                 record = plain.data();
             }
             rows[k] = builder.row(number, record);
