@@ -8,6 +8,7 @@
 #include "formula/FieldFormat.h"
 #include "gui/SearchLineWindow.h"
 #include "gui/AboutWindow.h"
+#include "gui/ExportImportActions.h"
 #include "gui/FlowLayer.h"
 #include "gui/PageScrollBar.h"
 #include "gui/Twips.h"
@@ -130,6 +131,9 @@ MainWindow::MainWindow(AppPaths paths, DesignLoad load, const Clock &clock, QWid
     else if (design().WindowState == 2)
         setWindowState(Qt::WindowMaximized);
     openData(OpenMode::Open);
+    // "-paste": the record another program put on the clipboard becomes a new record here.
+    if (paths_.pasteStart)
+        exportImport_->pasteAtStart();
 }
 
 MainWindow::~MainWindow()
@@ -162,6 +166,9 @@ void MainWindow::buildToolbar()
     QAction *create = menu->addAction(st->standardIcon(QStyle::SP_FileDialogNewFolder), createCaption, this,
                                       [this] { chooseDataFile(true); });
     menu->addSeparator();
+    exportImport_ = new ExportImportActions(*this);
+    exportImport_->addFileCommands(menu);
+    menu->addSeparator();
     if (UsersWindow::offeredTo(*db_)) {
         // Named as the users window is (row 10 of the caption run is the calculator icon's tool tip).
         const QString usersCaption = d.UiText[11].isEmpty() ? tr("&Users") : d.UiText[11];
@@ -171,6 +178,7 @@ void MainWindow::buildToolbar()
         menu->addSeparator();
     }
     menu->addAction(tr("&Quit"), this, &QWidget::close);
+    exportImport_->addEditCommands(menuBar());
     bar->addAction(open);
     open->setToolTip(tipOf(openCaption));
     bar->addSeparator();
@@ -208,6 +216,7 @@ void MainWindow::buildToolbar()
     connect(newButton_, &QToolButton::clicked, this, [this] { host_->newRecord(); });
     bar->addSeparator();
     bar->addWidget(newButton_);
+    exportImport_->addEditIcons(bar);
     buildSearchCommands(bar);
 
     actionButton_ = new QToolButton(bar);
@@ -281,9 +290,7 @@ void MainWindow::buildInfoCommands(QToolBar *bar)
     aboutButton_->setAccessibleName(tr("About"));
     bar->addWidget(aboutButton_)->setVisible(d.AboutInfoVisible);
 
-    // Commands still to come read their switches here: the export command (Exporting) shows only
-    // with ExportingVisible and a caption in row 17 of the caption run; the mail icon only
-    // with MailIconVisible.
+    // Commands still to come read their switches here: the mail icon shows only with MailIconVisible.
 }
 
 void MainWindow::buildPage()
@@ -465,10 +472,12 @@ void MainWindow::openData(OpenMode mode)
     // The auto-run button (AutoRunButton 1) presses button 0 before the first record shows.
     // File errors have been shown by the database; the window shows what is on the page, and
     // the status line which file that is.
+    exportImport_->dataOpening(db_->DataFileName);
     std::ignore = db_->OpenDatabase(mode, [this] {
         if (!design().Buttons.empty())
             actions_->buttonPressed(0);
     });
+    exportImport_->dataOpened();
     binder_->setPictureFolder(db_->store().RecordPictureFolder(),
                               QPixmap(QDir(paths_.AppFolder).filePath(QStringLiteral("0.jpg"))));
     binder_->refreshAll();

@@ -34,6 +34,7 @@ class PageActions;
 namespace ff::gui {
 
 class SearchLineWindow;
+class ExportImportActions;
 class FlowLayer;
 class MainWindowHost;
 class FindReplaceWindow;
@@ -77,6 +78,9 @@ public:
     QToolButton *aboutButton() const { return aboutButton_; }           // the AboutInfo icon
     // False when the login was refused: the program ends without showing the window.
     bool started() const { return !loginRefused_; }
+
+    // Export, import, copy and paste of records.
+    ExportImportActions &exportImport() { return *exportImport_; }
 
     // Opens (create false) or creates a data file by name, as the Open and Create commands do
     // after their file dialog.
@@ -133,6 +137,7 @@ private:
     std::array<QAction *, 4> findActions_{};
     SearchLineWindow *searchWindow_ = nullptr;
     FindReplaceWindow *replaceWindow_ = nullptr;
+    ExportImportActions *exportImport_ = nullptr;
     bool endingNow_ = false;
     bool loginRefused_ = false;
 };

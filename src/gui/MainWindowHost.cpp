@@ -1,9 +1,12 @@
 #include "gui/MainWindowHost.h"
 
+#include "export/XmlRecord.h"
 #include "store/Database.h"
 #include "toolkit/MessageWindow.h"
 
+#include <QClipboard>
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
@@ -53,9 +56,13 @@ void MainWindowHost::endProgram() { Q_EMIT endNow(); }
 
 void MainWindowHost::copyRecordToClipboard()
 {
-    // The record as XML on the clipboard belongs to the XML export; until it exists the program
-    // started by the tag opens without a record to paste.
+    // CopyAll: the record on the page as XML text, for Paste here or a program started with "-paste".
+    setClipboardText(XmlRecord::CopyAll(db_.page(), db_.store().CurrentRecord()));
 }
+
+void MainWindowHost::setClipboardText(const QString &text) { QGuiApplication::clipboard()->setText(text); }
+
+QString MainWindowHost::clipboardText() const { return QGuiApplication::clipboard()->text(); }
 
 void MainWindowHost::runSearchLine(const QString &line) { Q_EMIT searchLine(line); }
 

@@ -45,6 +45,10 @@ public:
     // StoreHost
     void YieldToEvents() override;
 
+    // The platform clipboard's text: what copying a record puts there and pasting reads.
+    void setClipboardText(const QString &text);
+    QString clipboardText() const;
+
     // Every "open" handed to the desktop, in order (the offscreen platform launches nothing, so
     // tests read this).
     QStringList opened;

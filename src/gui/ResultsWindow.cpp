@@ -1,5 +1,6 @@
 #include "gui/ResultsWindow.h"
 
+#include "gui/ExportImportActions.h"
 #include "gui/MainWindowHost.h"
 #include "gui/MainWindow.h"
 #include "gui/PickedFieldsFind.h"
@@ -157,8 +158,17 @@ ResultsWindow::ResultsWindow(MainWindow &main, Request request)
         session_.requestStop();
         close();
     });
-    // Printing the list, its reports and its export come with those features.
-    exportButton_->setVisible(false);
+    // The export takes the hits in the order the list shows them; the design may hide it, and a
+    // user who may only read has none.
+    exportButton_->setObjectName(QStringLiteral("ExportButtton"));
+    exportButton_->setVisible(main.design().ResultExportVisible && main.exportImport().exportAllowed());
+    connect(exportButton_, &QPushButton::clicked, this, [this] {
+        if (running_)
+            return;
+        const std::vector<int32_t> shown = list_->ImportReport();
+        main_.exportImport().exportResultList(QVector<int>(shown.begin(), shown.end()));
+    });
+    // Printing the list and its reports come with those features.
     reportButton_->setVisible(false);
     printButton_->setVisible(false);
 
