@@ -109,27 +109,25 @@ TEST(RunIf, FlatWalkLetsALaterTestOverwriteAFalseAnd)
     EXPECT_EQ(runIf("IF 1>3 OR 4>3 THEN v1=1"), (QStringList{"v1=1"}));
 }
 
-TEST(TestCondition, NotIsNumericAndKnowsNoEquals)
+TEST(TestCondition, SingleComparisonsByMode)
 {
-    EXPECT_FALSE(test("NOT(3>2)"));
-    EXPECT_TRUE(test("NOT(3<2)"));
-    EXPECT_FALSE(test("NOT(3=3)"));
-    EXPECT_FALSE(test("NOT(3=2)"));
-    EXPECT_TRUE(test("not(2>=3)"));
-    // Not evaluated: "1+4" reads 1.
-    EXPECT_TRUE(test("NOT(1+4>3)"));
-}
-
-TEST(TestCondition, OperatorsInOrderAndSidesEvaluatedExceptForEquals)
-{
-    EXPECT_TRUE(test("5<>3"));
-    EXPECT_TRUE(test("3<=3"));
-    EXPECT_FALSE(test("2+3=5")); // "=" keeps its sides: Val("2+3") is 2
-    EXPECT_TRUE(test("2+3>=5"));
-    EXPECT_TRUE(test("10~4<7"));
-    EXPECT_FALSE(test("AND"));
-    EXPECT_FALSE(test("5"));
-    EXPECT_TRUE(test("0=Smith")); // no quotes: mode 0, Smith reads 0
+    const struct {
+        const char *token;
+        uint8_t mode;
+        bool expected;
+    } rows[] = {
+        // NOT is numeric, knows no "=" and does not evaluate: "1+4" reads 1.
+        {"NOT(3>2)", 0, false}, {"NOT(3<2)", 0, true}, {"NOT(3=3)", 0, false}, {"NOT(3=2)", 0, false},
+        {"not(2>=3)", 0, true}, {"NOT(1+4>3)", 0, true},
+        // Operators in order; the sides are evaluated except for "=": Val("2+3") is 2.
+        {"5<>3", 0, true}, {"3<=3", 0, true}, {"2+3=5", 0, false}, {"2+3>=5", 0, true}, {"10~4<7", 0, true},
+        {"AND", 0, false}, {"5", 0, false}, {"0=Smith", 0, true}, // no quotes: mode 0, Smith reads 0
+        // Text sides holding an "m" are evaluated first: "ham" is 0.
+        {"abc=ABC", 1, true}, {"apple<Banana", 1, true}, {"ham<>0", 1, false}, {"hat<>0", 1, true},
+        {"15-Jan-24<01-Feb-24", 2, true}, {"1/15/2024=45306", 2, true}, {"1<2", 3, false},
+    };
+    for (const auto &row : rows)
+        EXPECT_EQ(test(QLatin1String(row.token), row.mode), row.expected) << row.token;
 }
 
 TEST(TestCondition, QuotesSwitchTheLineToTextMode)
@@ -142,24 +140,8 @@ TEST(TestCondition, QuotesSwitchTheLineToTextMode)
     // The mode stays raised: a later numeric-looking test compares text.
     token = QStringLiteral("10>9");
     EXPECT_FALSE(*TestCondition(token, mode, context));
-}
-
-TEST(TestCondition, TextSidesWithAnMAreEvaluated)
-{
-    EXPECT_TRUE(test("abc=ABC", 1));
-    EXPECT_TRUE(test("apple<Banana", 1));
-    // "ham" holds an "m": it is evaluated to 0 before the text comparison.
-    EXPECT_FALSE(test("ham<>0", 1));
-    EXPECT_TRUE(test("hat<>0", 1));
-}
-
-TEST(TestCondition, DateModeAndUnknownModes)
-{
-    EXPECT_TRUE(test("15-Jan-24<01-Feb-24", 2));
-    EXPECT_TRUE(test("1/15/2024=45306", 2));
-    uint8_t mode = 2;
-    const FormulaContext context = englishContext();
-    QString token = QStringLiteral("soon<later");
+    // In date mode a side that is no date is an error, not a false test.
+    mode = 2;
+    token = QStringLiteral("soon<later");
     EXPECT_FALSE(TestCondition(token, mode, context).ok());
-    EXPECT_FALSE(test("1<2", 3));
 }

