@@ -24,7 +24,7 @@ QString typeInto(int format, const QString &keys, QChar separator = kPoint)
     return out;
 }
 
-TEST(KeyRules, ControlKeysGiveSpecialCharactersInTextFieldsAndNotes)
+TEST(KeyRules, ControlKeysGiveSpecialCharactersAndEnterOnlyInNotes)
 {
     const struct {
         int code;
@@ -38,20 +38,13 @@ TEST(KeyRules, ControlKeysGiveSpecialCharactersInTextFieldsAndNotes)
     // Other control codes are no special keys.
     EXPECT_EQ(KeyRules::controlCharacterByte(1), 0);
     EXPECT_EQ(KeyRules::controlCharacterByte(8), 0);
-}
-
-TEST(KeyRules, SpecialCharactersFollowTheDesignsCodePage)
-{
-    // Byte 163 is the pound sign in Windows-1252 but a Cyrillic letter in Windows-1251.
-    const CodePage cyrillic(204);
-    EXPECT_EQ(KeyRules::noteCharacter(QChar(23), cyrillic), QChar(u'\u0408'));
-}
-
-TEST(KeyRules, EnterIsDroppedInFieldsAndKeptInNotes)
-{
+    // Enter is dropped in fields and kept in notes.
     EXPECT_TRUE(KeyRules::fieldCharacter(0, QChar(13), kPoint, kWestern).isNull());
     EXPECT_TRUE(KeyRules::fieldCharacter(2, QChar(13), kPoint, kWestern).isNull());
     EXPECT_EQ(KeyRules::noteCharacter(QChar(13), kWestern), QChar(13));
+    // The special characters follow the design's code page: byte 163 is the pound sign in
+    // Windows-1252 but a Cyrillic letter in Windows-1251.
+    EXPECT_EQ(KeyRules::noteCharacter(QChar(23), CodePage(204)), QChar(u'\u0408'));
 }
 
 TEST(KeyRules, NumberFieldsTakeExpressionCharactersOnly)

@@ -235,42 +235,33 @@ TEST_F(PageActionsTest, LabelsActByTheirTag)
 
 TEST_F(PageActionsTest, ButtonsActByTheirTagWhenTheyHaveNoScript)
 {
-    const struct {
-        const char *tag;
-        QStringList calls;
-    } rows[] = {
-        {">>", {QStringLiteral("navigate 4")}},
-        {"end", {QStringLiteral("end")}}, // nothing saved
-        {"<>", {QStringLiteral("save"), QStringLiteral("new")}},
-        {"other.exe -PASTE", {QStringLiteral("save"), QStringLiteral("copy"), QStringLiteral("open other.exe|-PASTE")}},
-        {"www.shop.example/ID:", {QStringLiteral("save"), QStringLiteral("open www.shop.example/7|")}},
-        {"", {}},
-    };
-    for (const auto &row : rows) {
-        press(QLatin1String(row.tag));
-        EXPECT_EQ(host.calls, row.calls) << row.tag;
-    }
-    actions->buttonPressed(5); // no such button
-    EXPECT_TRUE(host.calls.isEmpty());
-}
-
-TEST_F(PageActionsTest, ARecordThatCannotBeSavedStopsTheButton)
-{
-    // The record stays on the page: no new record, no program that would take it, no script.
-    host.saveResult = makeError(ErrorCode::Overflow, QStringLiteral("whole number out of range"));
+    // With a record that cannot be saved the record stays on the page: no new record, no program
+    // that would take it, no script. The navigation saves, and stops, by itself.
+    const Status saveFails = makeError(ErrorCode::Overflow, QStringLiteral("whole number out of range"));
     const struct {
         const char *tag, *script;
-        QStringList calls;
+        QStringList calls, callsWhenTheSaveFails;
     } rows[] = {
-        {">>", "", {QStringLiteral("navigate 4")}}, // the navigation saves, and stops, by itself
-        {"<>", "", {QStringLiteral("save")}},
-        {"other.exe -PASTE", "", {QStringLiteral("save")}},
-        {"", "a=1", {QStringLiteral("save")}},
+        {">>", "", {QStringLiteral("navigate 4")}, {QStringLiteral("navigate 4")}},
+        {"end", "", {QStringLiteral("end")}, {QStringLiteral("end")}}, // nothing saved
+        {"<>", "", {QStringLiteral("save"), QStringLiteral("new")}, {QStringLiteral("save")}},
+        {"other.exe -PASTE", "", {QStringLiteral("save"), QStringLiteral("copy"), QStringLiteral("open other.exe|-PASTE")},
+         {QStringLiteral("save")}},
+        {"www.shop.example/ID:", "", {QStringLiteral("save"), QStringLiteral("open www.shop.example/7|")}, {QStringLiteral("save")}},
+        {"", "", {}, {}},
+        {"", "a=1", {QStringLiteral("save"), QStringLiteral("assign a=1"), QStringLiteral("formulas"), QStringLiteral("lock")},
+         {QStringLiteral("save")}},
     };
-    for (const auto &row : rows) {
-        press(QLatin1String(row.tag), QLatin1String(row.script));
-        EXPECT_EQ(host.calls, row.calls) << row.tag << row.script;
+    for (const bool fails : {false, true}) {
+        host.saveResult = fails ? saveFails : Status();
+        for (const auto &row : rows) {
+            press(QLatin1String(row.tag), QLatin1String(row.script));
+            EXPECT_EQ(host.calls, fails ? row.callsWhenTheSaveFails : row.calls) << row.tag << row.script << fails;
+        }
     }
+    host.calls.clear();
+    actions->buttonPressed(5); // no such button
+    EXPECT_TRUE(host.calls.isEmpty());
 }
 
 TEST_F(PageActionsTest, ButtonScriptsRunLineByLine)
