@@ -87,7 +87,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         int64_t v = 0;
         reader.fixedValue(row.field, record.data(), v);
         const uint8_t *p = record.data() + row.field.offset;
-        row.pattern.matches(p, ff::FieldReader::trimmedLength(p, row.field.length), fold.table());
+        row.pattern.matches(p, reader.stored().trimmedLength(p, row.field.length), fold.table());
         row.pattern.matches(reinterpret_cast<const uint8_t *>(row.text.constData()), int(row.text.size()), fold.table());
     }
     for (const ff::ReplacementRow &row : q.replacements) {
