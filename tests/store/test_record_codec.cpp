@@ -151,12 +151,9 @@ TEST(RecordCodec, ZerosAndEmptyValues)
     // A whole number that does not fit is an overflow, and nothing is packed.
     c.page.FieldText[5] = QStringLiteral("3000000000");
     EXPECT_EQ(c.codec.pack(c.page).error().code, ErrorCode::Overflow);
-}
-
-TEST(RecordCodec, DecimalCommaSystem)
-{
-    Codec c(fullDesign());
+    // On a decimal-comma system the point groups and the comma separates.
     c.codec.setDecimalSeparator(QLatin1Char(','));
+    c.page.FieldText[5].clear();
     c.page.FieldText[3] = QStringLiteral("1.234,50");
     EXPECT_EQ(RecordCodec::readInt64(c.packed(), 19), 12345000);
 }
@@ -219,18 +216,15 @@ TEST(RecordCodec, FlowAreaRoundTripsAndStopsBeforeOverflowing)
     c.page.FlowImages = QVector<FlowImage>(10, im); // only the room left after the labels
     c.codec.unpack(*c.codec.pack(c.page), back, 1, false);
     EXPECT_EQ(back.FlowImages.size(), (10155 - (158 + stored * 100 + 4)) / 25);
-}
 
-TEST(RecordCodec, DamagedFlowAreaReadsWhatFits)
-{
-    Codec c(fullDesign(true));
-    QByteArray b(c.layout.RecordLength, ' '); // a slot never written: counts read as spaces
-    Page back(c.design);
-    c.codec.unpack(b, back, 1, false);
+    // A damaged area reads what fits: a slot never written has counts of spaces, and a label whose
+    // text runs past the end is dropped.
+    QByteArray damaged(c.layout.RecordLength, ' ');
+    c.codec.unpack(damaged, back, 1, false);
     EXPECT_TRUE(back.FlowLabels.isEmpty());
-    RecordCodec::writeInt32(b, 155, 1);
-    RecordCodec::writeInt32(b, 155 + 4 + 4, 99999); // text length past the end
-    c.codec.unpack(b, back, 1, false);
+    RecordCodec::writeInt32(damaged, 155, 1);
+    RecordCodec::writeInt32(damaged, 155 + 4 + 4, 99999);
+    c.codec.unpack(damaged, back, 1, false);
     EXPECT_TRUE(back.FlowLabels.isEmpty());
 }
 
