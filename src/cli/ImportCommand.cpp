@@ -81,12 +81,6 @@ std::optional<CliDatabase::Access> ImportCommand::access(const QStringList &argu
 int ImportCommand::executeOn(CliDatabase &database, const QStringList &arguments, const QCommandLineParser &parser,
                              CommandIo &io)
 {
-    // With TZ unset, glibc looks at /etc/localtime again (a stat under its time zone lock) on
-    // every local-time conversion, and the formulas convert twice a record: a million records
-    // spent half their time there, the two threads waiting on each other. ":/etc/localtime" is
-    // the same zone to glibc and to Qt, read once. No thread of the import runs yet.
-    if (qEnvironmentVariableIsEmpty("TZ") && !qEnvironmentVariableIsSet("TZ"))
-        qputenv("TZ", ":/etc/localtime");
     Database &db = database.db();
     const Design &design = db.design();
     ErrorStreamMessages messages(io.err, name());

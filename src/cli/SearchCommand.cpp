@@ -81,10 +81,6 @@ std::optional<CliDatabase::Access> SearchCommand::access(const QStringList &argu
 {
     if (arguments.size() != 1)
         return std::nullopt;
-    // Without TZ the C library looks at /etc/localtime again for every date it formats; naming
-    // the same file once keeps the zone and saves a file system call per listed date.
-    if (!qEnvironmentVariableIsSet("TZ"))
-        qputenv("TZ", ":/etc/localtime");
     return replaces(arguments.first()) ? CliDatabase::Access::WriteExisting : CliDatabase::Access::Read;
 }
 

@@ -12,7 +12,8 @@ namespace ff {
 QLocale WorkingLocale(const QLocale &locale);
 
 // Makes WorkingLocale(QLocale::system()) the default locale of the process, so that every
-// QLocale() the engine builds follows it. Called once at start-up by the programs.
+// QLocale() the engine builds follows it, and names the system's time zone file once when TZ is
+// unset. Called once at start-up by the programs, before any thread starts.
 void UseWorkingLocale();
 
 } // namespace ff
