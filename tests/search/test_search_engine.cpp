@@ -180,17 +180,6 @@ TEST_F(SearchEngineTest, DateValuesAreReadInTheOrderOfTheSearchLocale)
     }
 }
 
-TEST_F(SearchEngineTest, CapKeepsTheFirstRowsAndTheWalkGoesOn)
-{
-    SearchOptions o;
-    o.hitCap = 2;
-    SearchResult r = db.run(QStringLiteral("select name where qty>=0"), o);
-    EXPECT_EQ(r.hits, (QVector<int>{4, 3}));
-    EXPECT_EQ(r.rows.size(), 2);
-    EXPECT_EQ(r.found, 4);
-    EXPECT_EQ(r.walked, 4);
-}
-
 TEST(SearchDefaultCap, ASearchWithTheDefaultOptionsListsExactly32000RowsAndCountsEveryHit)
 {
     // The cap a user gets, not one a test sets: 32,000 rows. Copies of one record are written

@@ -31,27 +31,19 @@ bool like(const char *value, const char *pattern, bool fold = true)
 
 TEST(SearchPattern, WildcardsListsAndShapes)
 {
-    EXPECT_TRUE(like("smith", "sm*"));
-    EXPECT_TRUE(like("SMITH", "sm*"));
-    EXPECT_FALSE(like("asmith", "sm*"));
-    EXPECT_TRUE(like("x", "*"));
-    EXPECT_TRUE(like("", "*"));
-    EXPECT_FALSE(like("", "?"));
-    EXPECT_TRUE(like("ab12", "ab##"));
-    EXPECT_FALSE(like("ab1x", "ab##"));
-    EXPECT_TRUE(like("cat", "[bc]at"));
-    EXPECT_FALSE(like("rat", "[bc]at"));
-    EXPECT_TRUE(like("rat", "[!bc]at"));
-    EXPECT_TRUE(like("m5", "[a-z][0-9]"));
-    EXPECT_TRUE(like("a-", "a[-]"));
-    EXPECT_TRUE(like("[x", "[x")); // an open bracket without its close is a plain character
-    EXPECT_TRUE(like("mississippi", "*ss*ss*i"));
-    EXPECT_FALSE(like("mississippi", "*ss*ss*ss*"));
-    EXPECT_TRUE(like("abcabd", "*abd"));
-    EXPECT_TRUE(like("abc", "a**c"));
-    EXPECT_TRUE(like("abc", "abc"));
-    EXPECT_FALSE(like("abcd", "abc"));
-    EXPECT_TRUE(like("xabcx", "*abc*"));
+    const struct {
+        const char *value, *pattern;
+        bool matches;
+    } rows[] = {
+        {"smith", "sm*", true}, {"SMITH", "sm*", true}, {"asmith", "sm*", false}, {"x", "*", true}, {"", "*", true},
+        {"", "?", false}, {"ab12", "ab##", true}, {"ab1x", "ab##", false}, {"cat", "[bc]at", true},
+        {"rat", "[bc]at", false}, {"rat", "[!bc]at", true}, {"m5", "[a-z][0-9]", true}, {"a-", "a[-]", true},
+        {"[x", "[x", true}, // an open bracket without its close is a plain character
+        {"mississippi", "*ss*ss*i", true}, {"mississippi", "*ss*ss*ss*", false}, {"abcabd", "*abd", true},
+        {"abc", "a**c", true}, {"abc", "abc", true}, {"abcd", "abc", false}, {"xabcx", "*abc*", true},
+    };
+    for (const auto &row : rows)
+        EXPECT_EQ(like(row.value, row.pattern), row.matches) << row.value << " like " << row.pattern;
     EXPECT_FALSE(like("Abc", "abc", false));
     EXPECT_EQ(SearchPattern("ab*").shape(), SearchPattern::Shape::Prefix);
     EXPECT_EQ(SearchPattern("*ab*").shape(), SearchPattern::Shape::Contains);
@@ -132,13 +124,11 @@ protected:
 
 TEST_F(SearchParserTest, RecognisesCommands)
 {
-    EXPECT_TRUE(SearchParser::IsCommand(QStringLiteral("  SELECT a WHERE b=1")));
-    EXPECT_TRUE(SearchParser::IsCommand(QStringLiteral("select * where x=1")));  // " where " at position 9
-    EXPECT_FALSE(SearchParser::IsCommand(QStringLiteral("select where x=1")));   // at position 7
-    EXPECT_FALSE(SearchParser::IsCommand(QStringLiteral("select everything")));
-    EXPECT_TRUE(SearchParser::IsCommand(QStringLiteral("Sum price")));
-    EXPECT_TRUE(SearchParser::IsCommand(QStringLiteral("count x=1")));
-    EXPECT_FALSE(SearchParser::IsCommand(QStringLiteral("counting")));
+    // " where " must stand at the ninth character or later.
+    for (const char *line : {"  SELECT a WHERE b=1", "select * where x=1", "Sum price", "count x=1"})
+        EXPECT_TRUE(SearchParser::IsCommand(QLatin1String(line))) << line;
+    for (const char *line : {"select where x=1", "select everything", "counting"})
+        EXPECT_FALSE(SearchParser::IsCommand(QLatin1String(line))) << line;
     EXPECT_EQ(parse("summer").command, CommandKind::Find);
 }
 
