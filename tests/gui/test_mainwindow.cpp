@@ -2,10 +2,12 @@
 // tabs of the pages in use, and a damaged design that still opens and says so.
 
 #include "gui/MainWindow.h"
+#include "store/Database.h"
 #include "gui/PageCanvas.h"
 #include "gui/Twips.h"
 #include "support/ExampleImage.h"
 
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
@@ -80,6 +82,31 @@ private Q_SLOTS:
         // Page 0 is painted with its tiled background: the grab differs from a plain fill.
         const QImage shot = canvas->grab().toImage();
         QVERIFY(shot.pixelColor(2, 2) != shot.pixelColor(40, 2) || shot.pixelColor(2, 2) != shot.pixelColor(2, 40));
+    }
+
+    // An imported or pasted picture is stored under its number: the record holds "0000007" and
+    // the picture folder the file "0000007.jpg", which the picture reader finds by its suffix.
+    void aStoredPictureNumberShowsItsJpegFile()
+    {
+        QTemporaryDir dir;
+        const auto built = testsupport::buildExample(QStringLiteral("contacts"), dir.path());
+        gui::MainWindow window(pathsIn(dir), testsupport::loadImage(built.path));
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        RecordStore &store = window.database().store();
+        QVERIFY(!store.RecordPictureFolder().isEmpty());
+        QImage photo(40, 30, QImage::Format_RGB32);
+        photo.fill(Qt::red);
+        QVERIFY(QDir().mkpath(store.RecordPictureFolder()));
+        QVERIFY(photo.save(QDir(store.RecordPictureFolder()).filePath(QStringLiteral("0000007.jpg"))));
+        store.page().PictureRecordName[1] = QStringLiteral("0000007");
+        store.page().notifyAll();
+        auto *shown = qobject_cast<QLabel *>(window.canvas()->pictureWidget(1));
+        QVERIFY(shown && !shown->pixmap().isNull());
+        // A name of its own is taken as it stands.
+        store.page().PictureRecordName[1] = QStringLiteral("nobody");
+        store.page().notifyAll();
+        QVERIFY(shown->pixmap().isNull());
     }
 
     void functionKeysFillTheFieldWithTheExamplesTexts()
