@@ -94,36 +94,29 @@ TEST_P(RoundTrip, EveryValueComesBackInItsPlace)
 
 INSTANTIATE_TEST_SUITE_P(WithAndWithoutHints, RoundTrip, ::testing::Values(true, false));
 
-TEST(RoundTripRules, HintsOffLeavesHintTextsOutButKeepsTheButtonTip)
+TEST(RoundTripRules, HintsOffLeavesHintTextsOutAndTheLoaderForcesItsFixedValues)
 {
     Design d = RichDesign(false);
     d.Fields[1].FieldHint = QStringLiteral("not in the block");
     d.Titles[0].ToolTip = QStringLiteral("nor this");
+    d.Fields[2].MaxLength = 55;   // type 23 is always 10 long
+    d.Fields[3].FieldNoSearch = 0; // a global field is never searched
+    d.Shapes[0].BorderWidth = 0;   // a stored 0 is 1
+    d.Fields[1].FieldBox = false;  // no frame values follow...
+    d.Fields[1].Frame = {99, 98};  // ...so these are not in the block
     Result<QByteArray> image = DesignWriter::writeImage(d, FakeHead(), RichFiles());
     ASSERT_TRUE(image.ok());
     DesignLoad load = ReadDesignFromBytes(*image);
     ASSERT_TRUE(load.complete()) << load.error.text.toStdString();
     EXPECT_TRUE(load.design.Fields[1].FieldHint.isEmpty());
     EXPECT_TRUE(load.design.Titles[0].ToolTip.isEmpty());
-    EXPECT_EQ(load.design.Buttons[0].ToolTip, QStringLiteral("always there"));
-    EXPECT_EQ(load.design.Fields[3].FieldFormula, QStringLiteral("F1+F3*2"));
-}
-
-TEST(RoundTripRules, TheLoaderForcesItsFixedValues)
-{
-    Design d = RichDesign(true);
-    d.Fields[2].MaxLength = 55;   // type 23 is always 10 long
-    d.Fields[3].FieldNoSearch = 0; // a global field is never searched
-    d.Shapes[0].BorderWidth = 0;   // a stored 0 is 1
-    d.Fields[1].FieldBox = false;  // no frame values follow...
-    d.Fields[1].Frame = {99, 98};  // ...so these are not in the block
-    DesignLoad load = ReadDesignFromBytes(*DesignWriter::writeImage(d, FakeHead(), RichFiles()));
-    ASSERT_TRUE(load.complete());
+    EXPECT_EQ(load.design.Buttons[0].ToolTip, QStringLiteral("always there")); // the button's tip stays
     EXPECT_EQ(load.design.Fields[2].MaxLength, 10);
     EXPECT_EQ(load.design.Fields[3].FieldNoSearch, 1);
     EXPECT_EQ(load.design.Shapes[0].BorderWidth, 1);
     EXPECT_EQ(load.design.Fields[1].Frame.color, 0);
-    EXPECT_EQ(load.design.Fields[2].FieldFormula, QStringLiteral("F1+F2*2")); // still in place after it
+    EXPECT_EQ(load.design.Fields[2].FieldFormula, QStringLiteral("F1+F2*2")); // still in place after them
+    EXPECT_EQ(load.design.Fields[3].FieldFormula, QStringLiteral("F1+F3*2"));
 }
 
 TEST(RoundTripRules, AnEmptyDesignHasCountsOfNone)
