@@ -5,32 +5,22 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QProcess>
+#include "support/Programs.h"
 #include <QTemporaryDir>
 
 namespace {
 
-struct Outcome {
-    int code = -1;
-    QString out, err;
-};
-
-Outcome run(const QString &program, const QStringList &args, const QString &locale)
+// The program run with LC_ALL and LANG set to `locale`: a child takes this process's environment.
+ff::testsupport::ProgramRun run(const QString &program, const QStringList &args, const QString &locale)
 {
-    QProcess p;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("LC_ALL"), locale);
-    env.insert(QStringLiteral("LANG"), locale);
-    p.setProcessEnvironment(env);
-    p.start(program, args);
-    p.waitForFinished(30000);
-    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, QString::fromUtf8(p.readAllStandardOutput()),
-            QString::fromUtf8(p.readAllStandardError())};
+    qputenv("LC_ALL", locale.toLatin1());
+    qputenv("LANG", locale.toLatin1());
+    return ff::testsupport::runProgram(program, args);
 }
 
-QString valueOf(const QString &listing, const QString &tag)
+QString valueOf(const QByteArray &listing, const QString &tag)
 {
-    for (const QString &line : listing.split(QLatin1Char('\n')))
+    for (const QString &line : QString::fromUtf8(listing).split(QLatin1Char('\n')))
         if (line.startsWith(tag + QLatin1Char('\t')))
             return line.mid(tag.size() + 1);
     return QStringLiteral("<missing>");
@@ -60,25 +50,25 @@ TEST(CliLocale, DatesAndNumbersAsThePeopleOfEachLocaleTypeThem)
         const QString locale = QString::fromLatin1(row.locale);
         const QString json = QDir(QString::fromLocal8Bit(qgetenv("FLATFORM_SOURCE_DIR")))
                                  .filePath(QStringLiteral("examples/contacts/contacts.json"));
-        const Outcome built = run(QStringLiteral(FLATFORM_BUILD_EXE),
+        const ff::testsupport::ProgramRun built = run(QStringLiteral(FLATFORM_BUILD_EXE),
                                   {json, QStringLiteral("-o"), image, QStringLiteral("--runtime"), QStringLiteral(FLATFORM_CLI_EXE)},
                                   locale);
-        ASSERT_EQ(built.code, 0) << built.err.toStdString();
+        ASSERT_EQ(built.exitCode, 0) << built.err.toStdString();
         auto cli = [&](const QStringList &args) { return run(QStringLiteral(FLATFORM_CLI_EXE), args, locale); };
 
-        const Outcome set = cli({QStringLiteral("records"), image, QStringLiteral("set"), QStringLiteral("1"),
+        const ff::testsupport::ProgramRun set = cli({QStringLiteral("records"), image, QStringLiteral("set"), QStringLiteral("1"),
                                  QStringLiteral("F1=Ada"), QStringLiteral("F7=") + QString::fromUtf8(row.birthday),
                                  QStringLiteral("F8=") + QString::fromUtf8(row.limit),
                                  QStringLiteral("F13=") + QString::fromUtf8(row.firstContact)});
-        ASSERT_EQ(set.code, 0) << set.err.toStdString();
-        const Outcome shown = cli({QStringLiteral("records"), image, QStringLiteral("show"), QStringLiteral("1")});
+        ASSERT_EQ(set.exitCode, 0) << set.err.toStdString();
+        const ff::testsupport::ProgramRun shown = cli({QStringLiteral("records"), image, QStringLiteral("show"), QStringLiteral("1")});
         EXPECT_EQ(valueOf(shown.out, QStringLiteral("F7")), QString::fromUtf8(row.birthdayShown));
         EXPECT_EQ(valueOf(shown.out, QStringLiteral("F8")), QString::fromUtf8(row.limitShown));
         EXPECT_EQ(valueOf(shown.out, QStringLiteral("F13")), QString::fromUtf8(row.firstContactShown));
 
-        const Outcome found = cli({QStringLiteral("search"), image, QString::fromUtf8(row.searchLine)});
-        ASSERT_EQ(found.code, 0) << found.err.toStdString();
-        EXPECT_EQ(found.out.trimmed(), QStringLiteral("1~Ada"));
+        const ff::testsupport::ProgramRun found = cli({QStringLiteral("search"), image, QString::fromUtf8(row.searchLine)});
+        ASSERT_EQ(found.exitCode, 0) << found.err.toStdString();
+        EXPECT_EQ(QString::fromUtf8(found.out).trimmed(), QStringLiteral("1~Ada"));
     }
 }
 
