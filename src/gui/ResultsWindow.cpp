@@ -160,7 +160,7 @@ ResultsWindow::ResultsWindow(MainWindow &main, Request request)
     });
     // The export takes the hits in the order the list shows them; the design may hide it, and a
     // user who may only read has none.
-    exportButton_->setObjectName(QStringLiteral("ExportButtton"));
+    exportButton_->setObjectName(QStringLiteral("exportButton"));
     exportButton_->setVisible(main.design().ResultExportVisible && main.exportImport().exportAllowed());
     connect(exportButton_, &QPushButton::clicked, this, [this] {
         if (running_)

@@ -429,7 +429,7 @@ private Q_SLOTS:
             rangeShown = dialog->findChild<QLineEdit *>(QStringLiteral("firstRecordBox"))->isVisible();
             typeNameAndAccept(dialog, folder + QStringLiteral("/hits"));
         });
-        auto *exportButton = results->findChild<QPushButton *>(QStringLiteral("ExportButtton"));
+        auto *exportButton = results->findChild<QPushButton *>(QStringLiteral("exportButton"));
         QVERIFY(exportButton && exportButton->isVisible());
         QTest::mouseClick(exportButton, Qt::LeftButton);
         QVERIFY(!rangeShown);
