@@ -1,10 +1,12 @@
 #include "gui/ExportChooser.h"
 
 #include <QGridLayout>
+#include <QHeaderView>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRegularExpressionValidator>
+#include <QTreeView>
 
 namespace ff::gui {
 
@@ -69,6 +71,18 @@ QString ExportChooser::filterLine(const Design &, const ExportKindItem &item)
     return QStringLiteral("%1 (%2)").arg(what, item.pattern);
 }
 
+void ExportChooser::fitFileColumns(QFileDialog *dialog)
+{
+    auto *files = dialog->findChild<QTreeView *>(QStringLiteral("treeView"));
+    if (!files)
+        return;
+    QHeaderView *header = files->header();
+    header->setStretchLastSection(false);
+    header->setSectionResizeMode(0, QHeaderView::Stretch);
+    for (int column = 1; column < header->count(); ++column)
+        header->setSectionResizeMode(column, QHeaderView::ResizeToContents);
+}
+
 ExportChooser::ExportChooser(const Design &design, int recordCount, bool resultList, const QString &title,
                              const QString &folder, QWidget *parent)
     : QFileDialog(parent, title, folder), design_(design), kinds_(offeredKinds(design))
@@ -76,6 +90,8 @@ ExportChooser::ExportChooser(const Design &design, int recordCount, bool resultL
     setObjectName(QStringLiteral("exportChooser"));
     // The range boxes live in the dialog's own layout, which only the program's dialog has.
     setOption(QFileDialog::DontUseNativeDialog);
+    resize(780, 480); // room for the names, sizes and dates of the files
+    fitFileColumns(this);
     setAcceptMode(QFileDialog::AcceptSave);
     setFileMode(QFileDialog::AnyFile);
     for (const ExportKindItem &item : kinds_)

@@ -28,6 +28,8 @@ public:
     static std::vector<ExportKindItem> offeredKinds(const Design &design);
     // The dialog's line for a kind: what it is, and its pattern in brackets.
     static QString filterLine(const Design &design, const ExportKindItem &item);
+    // The list of files gives the name what room is left after the size, type and date.
+    static void fitFileColumns(QFileDialog *dialog);
 
     const std::vector<ExportKindItem> &kinds() const { return kinds_; }
     // The kind of the file type chosen in the dialog.

@@ -20,6 +20,7 @@
 #include <QFileInfo>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPainter>
 #include <QPointer>
 #include <QStyle>
 #include <QToolBar>
@@ -40,6 +41,42 @@ constexpr int kImportRow = 23;
 constexpr int kExportDoneText = 15;
 
 QString withoutAmpersands(QString caption) { return caption.remove(QLatin1Char('&')); }
+
+// A menu entry that opens a dialog ends in "...".
+QString opensDialog(const QString &caption)
+{
+    return caption.endsWith(QLatin1String("...")) ? caption : caption + QStringLiteral("...");
+}
+
+// The copy and paste icons where the desktop's icon theme has none: two sheets, and a sheet on a
+// clipboard.
+QIcon drawnIcon(bool paste)
+{
+    QPixmap pixmap(24, 24);
+    pixmap.fill(Qt::transparent);
+    QPainter p(&pixmap);
+    p.setRenderHint(QPainter::Antialiasing);
+    const QPen outline(QColor(0x37, 0x47, 0x4f), 1.2);
+    const auto sheet = [&p, &outline](const QRectF &r) {
+        p.setPen(outline);
+        p.setBrush(Qt::white);
+        p.drawRect(r);
+        for (double y = r.top() + 4; y < r.bottom() - 2; y += 3)
+            p.drawLine(QPointF(r.left() + 2.5, y), QPointF(r.right() - 2.5, y));
+    };
+    if (paste) {
+        p.setPen(outline);
+        p.setBrush(QColor(0xc8, 0xa1, 0x65));
+        p.drawRoundedRect(QRectF(3.5, 3.5, 14, 18), 2, 2);
+        p.setBrush(QColor(0x90, 0xa4, 0xae));
+        p.drawRect(QRectF(7.5, 1.5, 6, 4));
+        sheet(QRectF(10.5, 9.5, 11, 13));
+    } else {
+        sheet(QRectF(2.5, 2.5, 12, 15));
+        sheet(QRectF(9.5, 7.5, 12, 15));
+    }
+    return QIcon(pixmap);
+}
 
 // "1 record", "3 records".
 QString counted(int n, const QString &one, const QString &many) { return (n == 1 ? one : many).arg(n); }
@@ -101,12 +138,12 @@ void ExportImportActions::addFileCommands(QMenu *fileMenu)
 {
     const Design &d = main_.design();
     const QString exportCaption = d.CaptionRun[kExportRow];
-    export_ = fileMenu->addAction(exportCaption.isEmpty() ? tr("&Export...") : exportCaption, this,
+    export_ = fileMenu->addAction(exportCaption.isEmpty() ? tr("&Export...") : opensDialog(exportCaption), this,
                                   &ExportImportActions::exportRecords);
     export_->setObjectName(QStringLiteral("Exporting"));
     export_->setVisible(d.ExportingVisible && !exportCaption.isEmpty());
     const QString importCaption = d.CaptionRun[kImportRow];
-    import_ = fileMenu->addAction(importCaption.isEmpty() ? tr("&Import...") : importCaption, this,
+    import_ = fileMenu->addAction(importCaption.isEmpty() ? tr("&Import...") : opensDialog(importCaption), this,
                                   &ExportImportActions::importRecords);
     import_->setObjectName(QStringLiteral("importtxt"));
     import_->setVisible(!importCaption.isEmpty());
@@ -115,25 +152,32 @@ void ExportImportActions::addFileCommands(QMenu *fileMenu)
 void ExportImportActions::addEditCommands(QMenuBar *menus)
 {
     const Design &d = main_.design();
-    QStyle *st = main_.style();
     auto *menu = menus->addMenu(tr("&Edit"));
     // No Ctrl+C or Ctrl+V here: in a field they copy and paste its text.
     copyRecord_ = menu->addAction(tr("Copy the whole &record"), this, &ExportImportActions::copyRecord);
     copyRecord_->setObjectName(QStringLiteral("CopyAll"));
     const QString copyTip = d.CaptionRun[kCopyDataRow];
-    copyData_ = menu->addAction(QIcon::fromTheme(QStringLiteral("edit-copy"), st->standardIcon(QStyle::SP_FileDialogDetailedView)),
+    copyData_ = menu->addAction(QIcon::fromTheme(QStringLiteral("edit-copy"), drawnIcon(false)),
                                 copyTip.isEmpty() ? tr("Copy &data") : copyTip, this, &ExportImportActions::copyData);
     copyData_->setObjectName(QStringLiteral("CopyData"));
     copyData_->setToolTip(copyTip.isEmpty() ? tr("Copies the picked fields, or the whole record")
                                             : withoutAmpersands(copyTip));
     const QString pasteTip = d.CaptionRun[kPasteDataRow];
-    paste_ = menu->addAction(QIcon::fromTheme(QStringLiteral("edit-paste"), st->standardIcon(QStyle::SP_DialogSaveButton)),
+    paste_ = menu->addAction(QIcon::fromTheme(QStringLiteral("edit-paste"), drawnIcon(true)),
                              pasteTip.isEmpty() ? tr("&Paste") : pasteTip, this, &ExportImportActions::pasteData);
     paste_->setObjectName(QStringLiteral("PasteData"));
     paste_->setToolTip(pasteTip.isEmpty() ? tr("Pastes a copied record into this one") : withoutAmpersands(pasteTip));
     // The design hides the copy and paste icons by leaving their tips empty; the menu follows.
     copyData_->setVisible(!copyTip.isEmpty());
     paste_->setVisible(!pasteTip.isEmpty());
+    // Copy data copies the whole record unless fields are picked: the entry for the whole record
+    // shows only when it does something else, and copy data says how many fields it takes.
+    const QString copyCaption = copyData_->text();
+    connect(menu, &QMenu::aboutToShow, this, [this, copyCaption] {
+        const MultiFieldSelection &picked = main_.entry().selection();
+        copyRecord_->setVisible(!copyData_->isVisible() || picked.active());
+        copyData_->setText(picked.active() ? tr("%1 (%2 picked)").arg(copyCaption).arg(picked.count()) : copyCaption);
+    });
 }
 
 void ExportImportActions::addEditIcons(QToolBar *bar)
@@ -211,11 +255,14 @@ private:
     QPointer<QWidget> focus_;
 };
 
-void ExportImportActions::exportRecords() { chooseAndExport(nullptr); }
+void ExportImportActions::exportRecords() { chooseAndExport(nullptr, &main_); }
 
-void ExportImportActions::exportResultList(const QVector<int> &records) { chooseAndExport(&records); }
+void ExportImportActions::exportResultList(const QVector<int> &records, QWidget *over)
+{
+    chooseAndExport(&records, over ? over : &main_);
+}
 
-void ExportImportActions::chooseAndExport(const QVector<int> *resultList)
+void ExportImportActions::chooseAndExport(const QVector<int> *resultList, QWidget *over)
 {
     if (running_ || !exportAllowed())
         return;
@@ -225,7 +272,7 @@ void ExportImportActions::chooseAndExport(const QVector<int> *resultList)
         return;
     RecordStore &store = main_.database().store();
     ExportChooser chooser(main_.design(), store.RecordCount(), resultList != nullptr, title(kExportRow, tr("Export")),
-                          folder_, &main_);
+                          folder_, over);
     if (chooser.exec() != QDialog::Accepted)
         return;
     const QString file = chooser.chosenFile();

@@ -18,6 +18,7 @@ class QMenu;
 class QMenuBar;
 class QToolBar;
 class QToolButton;
+class QWidget;
 
 namespace ff {
 struct ExportRequest;
@@ -53,7 +54,8 @@ public:
     // Export: the chooser with its range boxes, over the browse order in force.
     void exportRecords();
     // Export of a results window's hits in the order given (the list's order); no range boxes.
-    void exportResultList(const QVector<int> &records);
+    // The dialog stands over `over`, the results window.
+    void exportResultList(const QVector<int> &records, QWidget *over = nullptr);
     bool exportAllowed() const;
     void importRecords();
     // CopyAll: the whole record on the clipboard.
@@ -73,7 +75,7 @@ public:
     toolkit::WaitWindow *waitWindow() const { return wait_; }
 
 private:
-    void chooseAndExport(const QVector<int> *resultList);
+    void chooseAndExport(const QVector<int> *resultList, QWidget *over);
     void runExport(const ExportRequest &request);
     class FieldLeft;
     // The store still holds only the blank record its opening made.

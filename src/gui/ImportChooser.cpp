@@ -1,6 +1,7 @@
 #include "gui/ImportChooser.h"
 
 #include "design/Design.h"
+#include "gui/ExportChooser.h"
 
 #include <QCheckBox>
 #include <QFileInfo>
@@ -19,6 +20,8 @@ ImportChooser::ImportChooser(const Design &design, const QString &title, const Q
 {
     setObjectName(QStringLiteral("importChooser"));
     setOption(QFileDialog::DontUseNativeDialog);
+    resize(780, 480); // room for the names, sizes and dates of the files
+    ExportChooser::fitFileColumns(this);
     setAcceptMode(QFileDialog::AcceptOpen);
     setFileMode(QFileDialog::ExistingFile);
     const QString text = design.TextExtension.isEmpty() ? QStringLiteral("txt") : design.TextExtension;

@@ -166,7 +166,7 @@ ResultsWindow::ResultsWindow(MainWindow &main, Request request)
         if (running_)
             return;
         const std::vector<int32_t> shown = list_->ImportReport();
-        main_.exportImport().exportResultList(QVector<int>(shown.begin(), shown.end()));
+        main_.exportImport().exportResultList(QVector<int>(shown.begin(), shown.end()), this);
     });
     // Printing the list and its reports come with those features.
     reportButton_->setVisible(false);
