@@ -22,7 +22,6 @@
 #include <QMenuBar>
 #include <QPainter>
 #include <QPointer>
-#include <QStyle>
 #include <QToolBar>
 #include <QToolButton>
 
