@@ -132,12 +132,30 @@ ImportRecordMaker::ImportRecordMaker(const Design &design, const RecordLayout &l
                                      FormulaHooks &hooks, QChar decimalSeparator, const Page &blank, QLocale locale)
     : design_(design), layout_(layout), columns_(columns), hooks_(hooks), decimalSeparator_(decimalSeparator),
       separatorText_(decimalSeparator), blank_(blank), locale_(std::move(locale)), codePage_(design.FontCharset),
-      codec_(design, layout, hooks, decimalSeparator), page_(design), dateSlots_(kDateMemory)
+      codec_(design, layout, hooks, decimalSeparator), page_(design), dateSlots_(kDateMemory),
+      dateTextSlots_(kDateMemory)
 {
+    // The blank page's values, copied to this maker's own memory: the strings of a page shared
+    // by two threads would have their use counts bounced between the cores for every record.
+    const auto own = [](const QVector<QString> &texts) {
+        QVector<QString> copy;
+        copy.reserve(texts.size());
+        for (const QString &t : texts)
+            copy.append(t.isNull() ? QString() : QString(t.constData(), t.size()));
+        return copy;
+    };
+    blankFieldText_ = own(blank.FieldText);
+    blankComboText_ = own(blank.ComboText);
+    blankNoteText_ = own(blank.NoteText);
+    blankPictureNames_ = own(blank.PictureRecordName);
+    blankFieldDate_ = QVector<double>(blank.FieldDate.cbegin(), blank.FieldDate.cend());
+    blankFieldLocked_ = QVector<bool>(blank.FieldLocked.cbegin(), blank.FieldLocked.cend());
+    blankCheckValue_ = QVector<int>(blank.CheckValue.cbegin(), blank.CheckValue.cend());
     for (size_t i = 1; i < design.Fields.size(); ++i)
         formulas_ = formulas_ || !design.Fields[i].FieldFormula.isEmpty();
     Result<QByteArray> packed = codec_.pack(blank_);
     blankPlain_ = packed ? codec_.plain(*packed) : QByteArray(layout.RecordLength, ' ');
+    record_ = QByteArray(layout.RecordLength, ' ');
 }
 
 double ImportRecordMaker::NumberFromBytes(std::string_view bytes, QChar decimalSeparator, const CodePage &codePage,
@@ -189,15 +207,18 @@ std::optional<double> ImportRecordMaker::date(std::string_view bytes)
 QString ImportRecordMaker::dateText(int field, int type, double day)
 {
     // Formatting a date goes through the system's local time for every call; the same days come
-    // again and again, and the text depends on the type and the day alone.
-    const DateTextKey key{type, day};
-    if (auto it = dateTexts_.find(key); it != dateTexts_.end())
-        return it->second;
-    QString text = hooks_.FormatFieldValue(design_, field, day);
-    if (dateTexts_.size() >= kDateMemory)
-        dateTexts_.clear();
-    dateTexts_.emplace(key, text);
-    return text;
+    // again and again, and the text depends on the type and the day alone. The texts are kept in
+    // a table of slots by a hash of both.
+    uint64_t bits = 0;
+    std::memcpy(&bits, &day, sizeof bits);
+    const uint64_t hash = (bits ^ uint64_t(type)) * 0x9E3779B97F4A7C15ull;
+    DateTextSlot &slot = dateTextSlots_[(hash >> 40) % dateTextSlots_.size()];
+    if (slot.type != type || slot.day != day) {
+        slot.text = hooks_.FormatFieldValue(design_, field, day);
+        slot.type = type;
+        slot.day = day;
+    }
+    return slot.text;
 }
 
 bool ImportRecordMaker::numberFits(int type, double value) const
@@ -283,13 +304,13 @@ void ImportRecordMaker::fillBytes(const ImportRows &rows, int row, const QString
 
 void ImportRecordMaker::fillPage(const ImportRows &rows, int row, const QString *pictureNames, QStringList &warnings)
 {
-    page_.FieldText = blank_.FieldText;
-    page_.FieldDate = blank_.FieldDate;
-    page_.FieldLocked = blank_.FieldLocked;
-    page_.ComboText = blank_.ComboText;
-    page_.CheckValue = blank_.CheckValue;
-    page_.NoteText = blank_.NoteText;
-    page_.PictureRecordName = blank_.PictureRecordName;
+    page_.FieldText = blankFieldText_;
+    page_.FieldDate = blankFieldDate_;
+    page_.FieldLocked = blankFieldLocked_;
+    page_.ComboText = blankComboText_;
+    page_.CheckValue = blankCheckValue_;
+    page_.NoteText = blankNoteText_;
+    page_.PictureRecordName = blankPictureNames_;
     page_.FlowLabels.clear();
     page_.FlowImages.clear();
     page_.RecordStamp = blank_.RecordStamp;
@@ -356,19 +377,44 @@ void ImportRecordMaker::make(const ImportRows &rows, int row, int64_t record, co
             ScrambleBytes(out, length);
         return;
     }
+    // The row's own bytes are the record that packing the page would give; after the formulas,
+    // only the fields they changed are packed again (a changed text is a new string, since
+    // `before` holds the old one), and the whole page when they changed anything else.
     fillPage(rows, row, pictureNames, warnings);
+    std::memcpy(record_.data(), blankPlain_.constData(), size_t(length));
+    QStringList again; // fillPage has told these
+    fillBytes(rows, row, pictureNames, record_.data(), again);
+    const QVector<QString> before = page_.FieldText;
+    const QVector<double> datesBefore = page_.FieldDate;
+    const QVector<QString> combosBefore = page_.ComboText;
+    const QVector<QString> notesBefore = page_.NoteText;
+    const QVector<int> checksBefore = page_.CheckValue;
     hooks_.RunFormulas(page_, int(record));
-    Result<QByteArray> packed = codec_.pack(page_);
+    Status packed;
+    if (!page_.ComboText.isSharedWith(combosBefore) || !page_.NoteText.isSharedWith(notesBefore)
+        || page_.CheckValue != checksBefore) {
+        Result<QByteArray> whole = codec_.pack(page_);
+        if (whole)
+            record_ = codec_.plain(*whole);
+        else
+            packed = whole.error();
+    } else if (!page_.FieldText.isSharedWith(before) || page_.FieldDate != datesBefore) {
+        for (qsizetype i = 1; i < before.size() && packed; ++i) {
+            const QString &now = page_.FieldText[i];
+            if (now.constData() != before[i].constData() || now.size() != before[i].size()
+                || page_.FieldDate.value(i) != datesBefore.value(i))
+                packed = codec_.packField(record_, size_t(i), page_);
+        }
+    }
     if (!packed) {
         // A formula gave a value its field cannot hold: the record keeps the new record's
         // defaults, as a save that fails would.
         warnings << QStringLiteral("record %1: %2").arg(record).arg(packed.error().text);
-        std::memcpy(out, blankPlain_.constData(), size_t(length));
-        if (design_.ScrambleRecords == 1)
-            ScrambleBytes(out, length);
-        return;
+        std::memcpy(record_.data(), blankPlain_.constData(), size_t(length));
     }
-    std::memcpy(out, packed->constData(), size_t(std::min<qsizetype>(length, packed->size())));
+    std::memcpy(out, record_.constData(), size_t(length));
+    if (design_.ScrambleRecords == 1)
+        ScrambleBytes(out, length);
 }
 
 } // namespace ff

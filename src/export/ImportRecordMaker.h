@@ -8,8 +8,8 @@
 // any number but 0; a record picture takes the name the import stored it under.
 //
 // One maker serves one thread: it has its own page and reads the shared design, layout and
-// columns only. When the design has no formula, the record is built from the row's bytes
-// directly; otherwise the row goes onto the page, the formulas run and the page is packed.
+// columns only. The record is built from the row's bytes directly; when the design has formulas,
+// the row also goes onto the page, the formulas run, and what they changed is packed into it.
 
 #include "core/CodePage.h"
 #include "core/Result.h"
@@ -26,7 +26,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace ff {
@@ -83,21 +82,23 @@ private:
     Page page_;
     bool formulas_ = false;
     QByteArray blankPlain_; // the blank record's bytes, unscrambled
+    QByteArray record_;     // the record being made, unscrambled
     struct DateSlot {
         std::string key;
         std::optional<double> value;
         bool used = false;
     };
     std::vector<DateSlot> dateSlots_; // the date reader's answers
-    struct DateTextKey {
-        int type;
-        double day;
-        bool operator==(const DateTextKey &o) const { return type == o.type && day == o.day; }
+    struct DateTextSlot {
+        int type = -1;
+        double day = 0;
+        QString text;
     };
-    struct DateTextHash {
-        size_t operator()(const DateTextKey &k) const { return std::hash<double>()(k.day) * 31 + size_t(k.type); }
-    };
-    std::unordered_map<DateTextKey, QString, DateTextHash> dateTexts_; // shown texts of the days
+    std::vector<DateTextSlot> dateTextSlots_; // shown texts of the days
+    QVector<QString> blankFieldText_, blankComboText_, blankNoteText_, blankPictureNames_;
+    QVector<double> blankFieldDate_;
+    QVector<bool> blankFieldLocked_;
+    QVector<int> blankCheckValue_;
 };
 
 } // namespace ff

@@ -3,18 +3,28 @@
 #include "formula/DateNumber.h"
 #include "formula/NumberText.h"
 
+#include <optional>
+
 namespace ff {
 
 QString FormatFixed(double value, int decimals, const QLocale &locale, bool grouping)
 {
-    QLocale l = locale;
-    QLocale::NumberOptions options = l.numberOptions();
-    if (grouping)
-        options &= ~QLocale::NumberOptions(QLocale::OmitGroupSeparator);
-    else
-        options |= QLocale::OmitGroupSeparator;
-    l.setNumberOptions(options);
-    return l.toString(RoundHalfAway(value, decimals), 'f', decimals);
+    // Setting a locale's options makes a private copy of it: the two variants of the last locale
+    // asked for are kept, one set per thread, since this runs for every number a formula shows.
+    struct Variants {
+        QLocale of;
+        QLocale grouped;
+        QLocale plain;
+    };
+    thread_local std::optional<Variants> last;
+    if (!last || last->of != locale || last->of.numberOptions() != locale.numberOptions()) {
+        QLocale grouped = locale;
+        grouped.setNumberOptions(locale.numberOptions() & ~QLocale::NumberOptions(QLocale::OmitGroupSeparator));
+        QLocale plain = locale;
+        plain.setNumberOptions(locale.numberOptions() | QLocale::OmitGroupSeparator);
+        last = Variants{locale, grouped, plain};
+    }
+    return (grouping ? last->grouped : last->plain).toString(RoundHalfAway(value, decimals), 'f', decimals);
 }
 
 QString FormatCurrency(double value, int decimals, const QLocale &locale)

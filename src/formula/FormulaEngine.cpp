@@ -32,51 +32,161 @@ int FormulaEngine::checkCount() const
     return static_cast<int>(std::min<qsizetype>(page_.design().Checks.size(), page_.CheckValue.size())) - 1;
 }
 
+namespace {
+
+// The reference "F12", "K0" or "V99" as characters on the stack: found without building a string.
+struct Reference {
+    Reference(char letter, int n)
+    {
+        char digits[12];
+        int count = 0;
+        do {
+            digits[count++] = char('0' + n % 10);
+            n /= 10;
+        } while (n > 0);
+        text[0] = QChar(QLatin1Char(letter));
+        for (int i = 0; i < count; ++i)
+            text[i + 1] = QChar(QLatin1Char(digits[count - 1 - i]));
+        size = count + 1;
+    }
+    QStringView view() const { return QStringView(text, size); }
+    QChar text[12];
+    qsizetype size = 0;
+};
+
+// Replaces every occurrence of `name` in `line` as QString::replace does (left to right, the
+// inserted text not searched again); the value is made only when the name occurs.
+template <typename MakeValue>
+void replaceName(QString &line, QStringView name, Qt::CaseSensitivity cs, MakeValue &&makeValue)
+{
+    if (line.indexOf(name, 0, cs) < 0)
+        return;
+    const QString value = makeValue();
+    line.replace(name.data(), name.size(), value.constData(), value.size(), cs);
+}
+
+} // namespace
+
+void FormulaEngine::startSnapshot()
+{
+    startFieldText_ = page_.FieldText;
+    startComboText_ = page_.ComboText;
+    startCheckValue_ = page_.CheckValue;
+    fieldValues_.assign(size_t(std::max(fieldCount() + 1, 0)), std::nullopt);
+    comboValues_.assign(size_t(std::max(comboCount() + 1, 0)), std::nullopt);
+    checkValues_.assign(size_t(std::max(checkCount() + 1, 0)), std::nullopt);
+}
+
+const QString &FormulaEngine::fieldValue(int n)
+{
+    static const QString none;
+    if (size_t(n) >= fieldValues_.size())
+        return none; // named before any recalculation
+    std::optional<QString> &value = fieldValues_[size_t(n)];
+    if (value)
+        return *value;
+    const QString separator = context_.DecimalSeparator();
+    const QString &text = startFieldText_[n];
+    const int type = page_.design().Fields[n].FieldType;
+    value.emplace();
+    if (type == kFormatText) {
+        *value = NumberToText(Val(CleanNumberCopy(text, separator)), separator);
+    } else if (type >= kFormatGeneralDate && type <= kFormatLongTime) {
+        if (!text.isEmpty()) {
+            if (const std::optional<double> date = ReadDate(text, context_.locale))
+                *value = CleanNumberCopy(NumberToText(*date, separator), separator);
+        }
+    } else {
+        *value = CleanNumberCopy(text, separator);
+    }
+    return *value;
+}
+
+const QString &FormulaEngine::comboValue(int n)
+{
+    static const QString none;
+    if (size_t(n) >= comboValues_.size())
+        return none;
+    std::optional<QString> &value = comboValues_[size_t(n)];
+    if (!value)
+        value = CleanNumberCopy(startComboText_[n], context_.DecimalSeparator());
+    return *value;
+}
+
+const QString &FormulaEngine::checkValue(int n)
+{
+    static const QString none;
+    if (size_t(n) >= checkValues_.size())
+        return none;
+    std::optional<QString> &value = checkValues_[size_t(n)];
+    if (!value)
+        value = QString::number(startCheckValue_[n]);
+    return *value;
+}
+
+QString FormulaEngine::FieldValue(int n) const
+{
+    if (n < 0 || size_t(n) >= fieldValues_.size() || !fieldValues_[size_t(n)])
+        return QString();
+    return *fieldValues_[size_t(n)];
+}
+
 QString FormulaEngine::systemVariables(QString &line, Qt::CaseSensitivity cs)
 {
     const QString separator = context_.DecimalSeparator();
-    const double now = context_.Now();
-    line.replace(QLatin1String("ID"), CleanNumberCopy(QString::number(context_.CurrentRecord), separator), cs);
-    line.replace(QLatin1String("SDATE"), NumberToText(RoundHalfEven(context_.SearchDate, 0), separator), cs);
-    line.replace(QLatin1String("Date$"), FormatDateByType(std::floor(now), kFormatShortDate, context_.locale), cs);
-    line.replace(QLatin1String("DateVal$"), FormatGeneralDate(now, context_.locale), cs);
-    line.replace(QLatin1String("SumTotal$"), NumberToText(context_.SumTotal, separator), cs);
-    line.replace(QLatin1String("SumAdv$"), NumberToText(context_.SumAverage, separator), cs);
-    line.replace(QLatin1String("CountTotal$"), NumberToText(context_.CountTotal, separator), cs);
+    std::optional<double> now;
+    const auto present = [this, &now] {
+        if (!now)
+            now = context_.Now();
+        return *now;
+    };
+    replaceName(line, u"ID", cs, [&] { return CleanNumberCopy(QString::number(context_.CurrentRecord), separator); });
+    replaceName(line, u"SDATE", cs, [&] { return NumberToText(RoundHalfEven(context_.SearchDate, 0), separator); });
+    replaceName(line, u"Date$", cs,
+                [&] { return FormatDateByType(std::floor(present()), kFormatShortDate, context_.locale); });
+    replaceName(line, u"DateVal$", cs, [&] { return FormatGeneralDate(present(), context_.locale); });
+    replaceName(line, u"SumTotal$", cs, [&] { return NumberToText(context_.SumTotal, separator); });
+    replaceName(line, u"SumAdv$", cs, [&] { return NumberToText(context_.SumAverage, separator); });
+    replaceName(line, u"CountTotal$", cs, [&] { return NumberToText(context_.CountTotal, separator); });
     return line;
 }
 
 QString FormulaEngine::SubstituteFields(QString &line, int mode)
 {
+    const auto holds = [&line](char letter) { return line.contains(QLatin1Char(letter)); };
     if (mode != 1) {
         systemVariables(line, Qt::CaseInsensitive);
-        for (int n = fieldCount(); n >= 1; --n)
-            line.replace(QLatin1Char('F') + QString::number(n), FieldValues.value(n));
-        for (int n = comboCount(); n >= 1; --n) {
-            QString value = ComboValues.value(n);
-            if (page_.design().Combos[n].ComboFormat == 0)
-                value = QLatin1Char('"') + value.replace(QLatin1Char('-'), QLatin1Char('~')) + QLatin1Char('"');
-            line.replace(QLatin1Char('C') + QString::number(n), value);
+        for (int n = fieldCount(); n >= 1 && holds('F'); --n)
+            replaceName(line, Reference('F', n).view(), Qt::CaseSensitive, [&] { return fieldValue(n); });
+        for (int n = comboCount(); n >= 1 && holds('C'); --n) {
+            replaceName(line, Reference('C', n).view(), Qt::CaseSensitive, [&] {
+                QString value = comboValue(n);
+                if (page_.design().Combos[n].ComboFormat == 0)
+                    value = QLatin1Char('"') + value.replace(QLatin1Char('-'), QLatin1Char('~')) + QLatin1Char('"');
+                return value;
+            });
         }
     } else {
-        for (int n = fieldCount(); n >= 1; --n) {
-            QString text = page_.FieldText[n];
-            line.replace(QLatin1Char('F') + QString::number(n), text.replace(QLatin1Char(' '), QLatin1Char('_')));
+        for (int n = fieldCount(); n >= 1 && holds('F'); --n) {
+            replaceName(line, Reference('F', n).view(), Qt::CaseSensitive,
+                        [&] { return QString(page_.FieldText[n]).replace(QLatin1Char(' '), QLatin1Char('_')); });
         }
-        for (int n = comboCount(); n >= 1; --n) {
-            QString text = page_.ComboText[n];
-            line.replace(QLatin1Char('C') + QString::number(n), text.replace(QLatin1Char(' '), QLatin1Char('_')));
+        for (int n = comboCount(); n >= 1 && holds('C'); --n) {
+            replaceName(line, Reference('C', n).view(), Qt::CaseSensitive,
+                        [&] { return QString(page_.ComboText[n]).replace(QLatin1Char(' '), QLatin1Char('_')); });
         }
     }
-    for (int n = checkCount(); n >= 0; --n)
-        line.replace(QLatin1Char('K') + QString::number(n), CheckValues.value(n));
+    for (int n = checkCount(); n >= 0 && holds('K'); --n)
+        replaceName(line, Reference('K', n).view(), Qt::CaseSensitive, [&] { return checkValue(n); });
     return line;
 }
 
 QString FormulaEngine::ReplaceVariables(QString &line)
 {
-    for (int n = kFormulaVarCount - 1; n >= 0; --n)
-        line.replace(QLatin1Char('V') + QString::number(n), context_.FormulaVars[static_cast<size_t>(n)]);
+    for (int n = kFormulaVarCount - 1; n >= 0 && line.contains(QLatin1Char('V')); --n) {
+        replaceName(line, Reference('V', n).view(), Qt::CaseSensitive,
+                    [&] { return context_.FormulaVars[static_cast<size_t>(n)]; });
+    }
     return line;
 }
 
@@ -94,37 +204,11 @@ QString FormulaEngine::InsertV(QString &line)
     return line;
 }
 
-void FormulaEngine::takeSnapshot()
-{
-    const QString separator = context_.DecimalSeparator();
-    const Design &design = page_.design();
-    for (int n = 0; n <= fieldCount(); ++n) {
-        const QString &text = page_.FieldText[n];
-        const int type = design.Fields[n].FieldType;
-        if (type == kFormatText) {
-            FieldValues[n] = NumberToText(Val(CleanNumberCopy(text, separator)), separator);
-        } else if (type >= kFormatGeneralDate && type <= kFormatLongTime) {
-            if (text.isEmpty())
-                continue;
-            if (const std::optional<double> date = ReadDate(text, context_.locale))
-                FieldValues[n] = CleanNumberCopy(NumberToText(*date, separator), separator);
-        } else {
-            FieldValues[n] = CleanNumberCopy(text, separator);
-        }
-    }
-    for (int n = 1; n <= comboCount(); ++n)
-        ComboValues[n] = CleanNumberCopy(page_.ComboText[n], separator);
-    for (int n = 0; n <= checkCount(); ++n)
-        CheckValues[n] = QString::number(page_.CheckValue[n]);
-}
-
 void FormulaEngine::RunFormulas()
 {
     const Design &design = page_.design();
     const int fields = fieldCount();
-    FieldValues = QVector<QString>(std::max(fields + 1, 0));
-    ComboValues = QVector<QString>(std::max(comboCount() + 1, 0));
-    CheckValues = QVector<QString>(std::max(checkCount() + 1, 0));
+    fieldValues_.clear();
 
     int first = 1;
     while (first <= fields && design.Fields[first].FieldFormula.isEmpty())
@@ -132,7 +216,7 @@ void FormulaEngine::RunFormulas()
     if (first > fields)
         return; // no formula at all: nothing is touched, not even the variables
 
-    takeSnapshot();
+    startSnapshot();
     context_.FormulaVars.fill(QString());
 
     for (int n = first; n <= fields; ++n) {
@@ -155,7 +239,7 @@ void FormulaEngine::RunFormulas()
             QString line = formula;
             SubstituteFields(line, 0);
             const QString value = EvaluateToText(line, context_.DecimalSeparator());
-            FieldValues[n] = value;
+            fieldValues_[size_t(n)] = value;
             showBareResult(n, value);
         }
     }
@@ -227,8 +311,8 @@ Status FormulaEngine::RunStatement(QString &token)
     for (int n = comboCount(); n >= 1; --n) {
         if (named('c', n)) {
             page_.setComboText(n, right);
-            if (n < ComboValues.size())
-                ComboValues[n] = right;
+            if (size_t(n) < comboValues_.size())
+                comboValues_[size_t(n)] = right;
             return Status();
         }
     }
@@ -282,8 +366,8 @@ Status FormulaEngine::assignField(int field, QString &right)
         else
             page_.setFieldText(field, CleanNumberCopy(right, separator));
     }
-    if (field < FieldValues.size())
-        FieldValues[field] = right;
+    if (size_t(field) < fieldValues_.size())
+        fieldValues_[size_t(field)] = right;
     return Status();
 }
 
@@ -306,8 +390,8 @@ Status FormulaEngine::assignCheck(int check, QString &right)
     context_.SettingCheckFromFormula = true;
     page_.setCheckValue(check, static_cast<int>(whole));
     context_.SettingCheckFromFormula = false;
-    if (check < CheckValues.size())
-        CheckValues[check] = right;
+    if (size_t(check) < checkValues_.size())
+        checkValues_[size_t(check)] = right;
     return Status();
 }
 

@@ -15,6 +15,9 @@
 #include <QString>
 #include <QVector>
 
+#include <optional>
+#include <vector>
+
 namespace ff {
 
 class FormulaEngine {
@@ -36,17 +39,22 @@ public:
 
     Status RunStatement(QString &token);
 
-    // The values of the current or last recalculation, indexed by element number.
-    QVector<QString> FieldValues;
-    QVector<QString> ComboValues;
-    QVector<QString> CheckValues;
+    // The value of text field n in the current or last recalculation as a number line holds it;
+    // empty when no line named the field.
+    QString FieldValue(int n) const;
 
 private:
     int fieldCount() const;
     int comboCount() const;
     int noteCount() const;
     int checkCount() const; // highest check number, -1 for none
-    void takeSnapshot();
+    // The values a recalculation substitutes, indexed by element number: each is made from the
+    // record as it was when the recalculation began, the first time a line names it, and
+    // replaced by what a formula assigns. Most formulas name a few fields of many.
+    void startSnapshot();
+    const QString &fieldValue(int n);
+    const QString &comboValue(int n);
+    const QString &checkValue(int n);
     Status runLine(QString line, int fieldType);
     void showBareResult(int field, const QString &value);
     Status assignField(int field, QString &right);
@@ -55,6 +63,12 @@ private:
 
     Page &page_;
     FormulaContext &context_;
+    QVector<QString> startFieldText_;
+    QVector<QString> startComboText_;
+    QVector<int> startCheckValue_;
+    std::vector<std::optional<QString>> fieldValues_;
+    std::vector<std::optional<QString>> comboValues_;
+    std::vector<std::optional<QString>> checkValues_;
 };
 
 } // namespace ff

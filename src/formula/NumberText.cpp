@@ -1,11 +1,32 @@
 #include "formula/NumberText.h"
 
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 
 namespace ff {
+
+namespace {
+
+// A decimal number text made of an optional sign, digits, a point and an "e" exponent, read as
+// strtod reads it (correctly rounded; beyond the range of a double, infinite or zero) without
+// strtod's cost of locale handling.
+double readDecimal(const std::string &number)
+{
+    const char *first = number.data();
+    const char *last = first + number.size();
+    const bool negative = first != last && *first == '-';
+    if (first != last && (*first == '+' || *first == '-'))
+        ++first;
+    double value = 0.0;
+    const std::from_chars_result read = std::from_chars(first, last, value);
+    if (read.ec != std::errc())
+        return std::strtod(number.c_str(), nullptr);
+    return negative ? -value : value;
+}
+
+} // namespace
 
 QString &CleanNumber(QString &text, const QString &decimalSeparator)
 {
@@ -66,7 +87,7 @@ double Val(const QString &text)
         if (expDigits)
             number += exponent;
     }
-    return std::strtod(number.c_str(), nullptr);
+    return readDecimal(number);
 }
 
 QString NumberToText(double value, const QString &decimalSeparator)
@@ -74,8 +95,13 @@ QString NumberToText(double value, const QString &decimalSeparator)
     if (value == 0.0)
         return QStringLiteral("0");
     char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.15G", value);
-    QString text = QString::fromLatin1(buffer);
+    // to_chars writes what printf's "%.15g" writes, in lower case.
+    char *end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, 15).ptr;
+    for (char *p = buffer; p != end; ++p) {
+        if (*p == 'e')
+            *p = 'E';
+    }
+    QString text = QString::fromLatin1(buffer, end - buffer);
     if (decimalSeparator != QLatin1String("."))
         text.replace(QLatin1Char('.'), decimalSeparator);
     return text;
@@ -90,7 +116,9 @@ double roundDecimal(double value, int decimals, bool halfEven)
         return value == 0.0 ? 0.0 : value;
     const bool negative = value < 0;
     char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.14e", std::fabs(value)); // d.dddddddddddddde+XX
+    // d.dddddddddddddde+XX, as printf's "%.14e" writes it
+    char *end = std::to_chars(buffer, buffer + sizeof buffer - 1, std::fabs(value), std::chars_format::scientific, 14).ptr;
+    *end = '\0';
     long long digits = 0;
     const char *p = buffer;
     for (; *p && *p != 'e'; ++p) {
@@ -101,7 +129,7 @@ double roundDecimal(double value, int decimals, bool halfEven)
     // digits × 10^(exponent - 14) is the value; keep the digits down to 10^-decimals.
     const int keep = exponent + 1 + decimals;
     if (keep >= 15)
-        return std::strtod(buffer, nullptr) * (negative ? -1 : 1);
+        return readDecimal(buffer) * (negative ? -1 : 1);
     if (keep < 0)
         return 0.0;
     const int drop = 15 - keep;
@@ -115,9 +143,11 @@ double roundDecimal(double value, int decimals, bool halfEven)
         ++kept;
     if (kept == 0)
         return 0.0;
-    char out[64];
-    std::snprintf(out, sizeof out, "%s%lldE%d", negative ? "-" : "", kept, -decimals);
-    return std::strtod(out, nullptr);
+    std::string out = negative ? "-" : "";
+    out += std::to_string(kept);
+    out += 'e';
+    out += std::to_string(-decimals);
+    return readDecimal(out);
 }
 
 } // namespace

@@ -124,44 +124,51 @@ static double fromCurrency(int64_t v) { return static_cast<double>(v) / 10000.0;
 
 // ---- pack ----
 
+Status RecordCodec::packField(QByteArray &b, size_t i, const Page &page) const
+{
+    const int at = layout_.FieldOffset[i];
+    if (at == 0)
+        return Status();
+    const int type = design_.Fields[i].FieldType;
+    const QString text = i < size_t(page.FieldText.size()) ? page.FieldText[i] : QString();
+    switch (type) {
+    case 1:
+        writeDouble(b, at, hooks_->NumberValue(text, decimalSeparator_));
+        break;
+    case 2: case 3: case 4: {
+        Result<int64_t> c = toCurrency(hooks_->NumberValue(text, decimalSeparator_));
+        if (!c)
+            return c.error();
+        writeInt64(b, at, *c);
+        break;
+    }
+    case 5: {
+        const double v = std::nearbyint(hooks_->NumberValue(text, decimalSeparator_));
+        if (!(v >= INT32_MIN && v <= INT32_MAX))
+            return makeError(ErrorCode::Overflow, QStringLiteral("whole number out of range in field %1").arg(i));
+        writeInt32(b, at, static_cast<int32_t>(v));
+        break;
+    }
+    case 6: case 7: case 8: case 9: {
+        Result<int64_t> c = toCurrency(i < size_t(page.FieldDate.size()) ? page.FieldDate[i] : 0.0);
+        if (!c)
+            return c.error();
+        writeInt64(b, at, *c);
+        break;
+    }
+    default:
+        putText(b, at, layout_.FieldSize[i], text);
+        break;
+    }
+    return Status();
+}
+
 Result<QByteArray> RecordCodec::pack(const Page &page) const
 {
     QByteArray b(layout_.RecordLength, ' ');
     for (size_t i = 1; i < design_.Fields.size(); ++i) {
-        const int at = layout_.FieldOffset[i];
-        if (at == 0)
-            continue;
-        const int type = design_.Fields[i].FieldType;
-        const QString text = i < size_t(page.FieldText.size()) ? page.FieldText[i] : QString();
-        switch (type) {
-        case 1:
-            writeDouble(b, at, hooks_->NumberValue(text, decimalSeparator_));
-            break;
-        case 2: case 3: case 4: {
-            Result<int64_t> c = toCurrency(hooks_->NumberValue(text, decimalSeparator_));
-            if (!c)
-                return c.error();
-            writeInt64(b, at, *c);
-            break;
-        }
-        case 5: {
-            const double v = std::nearbyint(hooks_->NumberValue(text, decimalSeparator_));
-            if (!(v >= INT32_MIN && v <= INT32_MAX))
-                return makeError(ErrorCode::Overflow, QStringLiteral("whole number out of range in field %1").arg(i));
-            writeInt32(b, at, static_cast<int32_t>(v));
-            break;
-        }
-        case 6: case 7: case 8: case 9: {
-            Result<int64_t> c = toCurrency(i < size_t(page.FieldDate.size()) ? page.FieldDate[i] : 0.0);
-            if (!c)
-                return c.error();
-            writeInt64(b, at, *c);
-            break;
-        }
-        default:
-            putText(b, at, layout_.FieldSize[i], text);
-            break;
-        }
+        if (Status packed = packField(b, i, page); !packed)
+            return packed.error();
     }
     for (size_t i = 1; i < design_.Combos.size(); ++i)
         if (layout_.ComboOffset[i])

@@ -474,6 +474,53 @@ TEST(TextImport, FormulasRunForEveryRecordOnOneThreadOrTwo)
     EXPECT_EQ(stored[0], stored[1]);
 }
 
+// What the formulas write goes into the record beside the row's own values: a text field through
+// the text mode, a combo, a check box, a date; a result that overflows its field leaves the
+// new record's defaults and a warning, and the records around it are whole.
+TEST(TextImport, FormulaResultsGoInBesideTheRowsValues)
+{
+    Design d = importDesign(true);
+    d.Fields[1].FieldFormula = QStringLiteral("Item F4");
+    d.Fields[2].FieldFormula = QStringLiteral("IF F4>2 THEN c1=Bulk k0=1");
+    d.Fields[5].FieldFormula = QStringLiteral("IF F4=0 THEN f5=1/2/2003");
+    for (const bool scrambled : {false, true}) {
+        d.ScrambleRecords = scrambled ? 1 : 0;
+        ImportStore s(d);
+        const QList<QStringList> rows = {
+            {QStringLiteral("name"), QStringLiteral("amount"), QStringLiteral("price"), QStringLiteral("qty"),
+             QStringLiteral("day"), QStringLiteral("country"), QStringLiteral("paid"), QStringLiteral("remark")},
+            {QStringLiteral("pen"), QStringLiteral("1.5"), QStringLiteral("2.50"), QStringLiteral("2"),
+             QStringLiteral("2024-03-01"), QStringLiteral("Peru"), QStringLiteral("0"), QStringLiteral("a")},
+            {QStringLiteral("ink"), QStringLiteral("-2"), QStringLiteral("1.25"), QStringLiteral("3"),
+             QStringLiteral("2024-03-02"), QStringLiteral("Chile"), QStringLiteral("0"), QStringLiteral("b")},
+            {QStringLiteral("gift"), QString(), QStringLiteral("9"), QStringLiteral("0"), QString(), QString(),
+             QStringLiteral("1"), QString()},
+            {QStringLiteral("huge"), QStringLiteral("7"), QStringLiteral("900000000000"), QStringLiteral("2000"),
+             QStringLiteral("2024-03-04"), QStringLiteral("Cuba"), QStringLiteral("1"), QStringLiteral("d")},
+        };
+        const Result<ImportReport> report = TextImport::run(s.file(QStringLiteral("in.csv"), writeCsv(rows)), s.setup(true));
+        ASSERT_TRUE(report);
+        EXPECT_EQ(report->added, 4);
+        // The records as stored: showing one runs no formula now.
+        for (FieldElement &field : s.design.Fields)
+            field.FieldFormula.clear();
+        EXPECT_EQ(s.shown(1), (Shown{QStringLiteral("Item 2"), QStringLiteral("1.5"), QStringLiteral("2.50"),
+                                     QStringLiteral("2"), QStringLiteral("3/1/2024"), QStringLiteral("5.00"),
+                                     QStringLiteral("Peru"), QStringLiteral("0"), QStringLiteral("a"), QString()}));
+        EXPECT_EQ(s.shown(2), (Shown{QStringLiteral("Item 3"), QStringLiteral("-2"), QStringLiteral("1.25"),
+                                     QStringLiteral("3"), QStringLiteral("3/2/2024"), QStringLiteral("3.75"),
+                                     QStringLiteral("Bulk"), QStringLiteral("1"), QStringLiteral("b"), QString()}));
+        EXPECT_EQ(s.shown(3)[0], QStringLiteral("Item 0"));
+        EXPECT_EQ(s.shown(3)[4], QStringLiteral("1/2/2003"));
+        EXPECT_EQ(s.shown(3)[7], QStringLiteral("1"));
+        // 900,000,000,000 x 2,000 is beyond any amount: the record is a new record's.
+        EXPECT_EQ(s.shown(4), (Shown{QString(), QString(), QString(), QString(), QStringLiteral("5/17/2024"), QString(),
+                                     QString(), QStringLiteral("0"), QString(), QString()})); // the day is today's
+        EXPECT_EQ(report->warnings.size(), 1);
+        EXPECT_TRUE(report->warnings.value(0).startsWith(QStringLiteral("record 4"))) << report->warnings.value(0).toStdString();
+    }
+}
+
 TEST(TextImport, ScrambledRecordsAndAnotherSeparator)
 {
     Design d = importDesign(false);

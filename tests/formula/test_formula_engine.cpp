@@ -93,7 +93,7 @@ TEST(RunFormulas, InvoicePage)
     EXPECT_EQ(f.page.FieldText[7], "2,559.97");
     EXPECT_EQ(f.page.FieldText[8], "204.80");
     EXPECT_EQ(f.page.FieldText[9], "2,764.77");
-    EXPECT_EQ(f.engine.FieldValues[9], "2764.77");
+    EXPECT_EQ(f.engine.FieldValue(9), "2764.77");
     EXPECT_EQ(f.page.FieldText[10], "Two Thousand Seven Hundred Sixty-Four Dollars and Seventy-Seven Cents");
     EXPECT_EQ(f.page.FieldText[11], "1");
     EXPECT_EQ(f.page.CheckValue[1], 1);
