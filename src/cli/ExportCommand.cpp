@@ -5,6 +5,7 @@
 #include "search/SearchEngine.h"
 #include "search/SearchNames.h"
 #include "search/SortIndexBuilder.h"
+#include "web/WebExport.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -16,7 +17,7 @@ namespace ff::cli {
 
 namespace {
 
-const char kKinds[] = "text, copy, template:I, templates:I, xls, listing or xml";
+const char kKinds[] = "text, copy, template:I, templates:I, xls, listing, html, htm, php or xml";
 
 // The kinds by name; xml, one record's text, is told apart ahead of these.
 std::optional<ExportChoice> parseKind(const QString &word)
@@ -30,6 +31,12 @@ std::optional<ExportChoice> parseKind(const QString &word)
         return ExportChoice{ExportKind::Spreadsheet, -1, true};
     if (kind == QLatin1String("listing"))
         return ExportChoice{ExportKind::Listing, -1, true};
+    if (kind == QLatin1String("html"))
+        return ExportChoice{ExportKind::HtmlPages, -1, true};
+    if (kind == QLatin1String("htm"))
+        return ExportChoice{ExportKind::HtmlCurrent, -1, true};
+    if (kind == QLatin1String("php"))
+        return ExportChoice{ExportKind::PhpSite, -1, true};
     for (const bool oneFile : {true, false}) {
         const QString prefix = oneFile ? QStringLiteral("template:") : QStringLiteral("templates:");
         if (!kind.startsWith(prefix))
@@ -49,8 +56,10 @@ ExportCommand::ExportCommand()
     : DatabaseCommand(QStringLiteral("export"), QStringLiteral("KIND OUT"),
                       QStringLiteral("Writes records to a file as the export command does.\n"
                                      "KIND is text, copy, template:I (template I, 0 to 9, one file), templates:I (a file\n"
-                                     "a record in a folder), xls or listing. OUT is the folder and name; the kind adds\n"
-                                     "its extension. All records in file order unless --from, --to, --sort or --search.\n"
+                                     "a record in a folder), xls, listing, html (a folder of record pages with index.php),\n"
+                                     "htm (the pages of record --record N, 1 unless given) or php (the form site). OUT is\n"
+                                     "the folder and name; the kind adds its extension. All records in file order unless\n"
+                                     "--from, --to, --sort or --search.\n"
                                      "KIND xml writes the XML text of record --record N to OUT (\"-\": standard output).")),
       fromOption_(QStringLiteral("from"), QStringLiteral("The first place of the range (default 1)."), QStringLiteral("N")),
       toOption_(QStringLiteral("to"), QStringLiteral("The last place of the range (default the last record)."),
@@ -64,7 +73,7 @@ ExportCommand::ExportCommand()
       downOption_(QStringLiteral("down"), QStringLiteral("With --sort: from the largest value down.")),
       threadsOption_(QStringLiteral("threads"), QStringLiteral("Threads of the text export (default: as it sees fit)."),
                      QStringLiteral("N")),
-      recordOption_(QStringLiteral("record"), QStringLiteral("With xml: the record to write."), QStringLiteral("N"))
+      recordOption_(QStringLiteral("record"), QStringLiteral("With xml and htm: the record to write."), QStringLiteral("N"))
 {
     addOption(fromOption_);
     addOption(toOption_);
@@ -197,11 +206,30 @@ int ExportCommand::executeOn(CliDatabase &database, const QStringList &arguments
         if (!ok || request.threads < 1)
             return usageError(io, QStringLiteral("--threads takes a number from 1"));
     }
-    if (!chooseRange(database, parser, io, request.range))
+    RecordStore &store = database.db().store();
+    if (request.choice.kind == ExportKind::HtmlCurrent) {
+        // The record on screen: the one --record names.
+        int record = 1;
+        if (parser.isSet(recordOption_)) {
+            bool ok = false;
+            record = parser.value(recordOption_).toInt(&ok);
+            if (!ok)
+                return usageError(io, QStringLiteral("--record takes a number"));
+        }
+        if (record < 1 || record > store.RecordCount()) {
+            io.err << name() << ": no record " << record << " (the data file holds " << store.RecordCount() << ")\n";
+            return 1;
+        }
+        request.range = ExportRange::Records(record, record, store.RecordCount());
+    } else if (request.choice.kind != ExportKind::PhpSite && !chooseRange(database, parser, io, request.range)) {
         return 1;
+    }
 
-    RecordExport exporter(database.db().store(), database.context());
-    const Result<ExportOutcome> done = exporter.run(request, nullptr);
+    const bool web = web::WebExport::handles(request.choice.kind);
+    RecordExport exporter(store, database.context());
+    web::WebExport webExporter(store, database.context(), database.db().paths().AppFolder);
+    const Result<ExportOutcome> done = web ? webExporter.run(request.choice.kind, request.range, request.folder, request.name)
+                                           : exporter.run(request, nullptr);
     if (!done) {
         io.err << name() << ": " << done.error().text << "\n";
         return 1;

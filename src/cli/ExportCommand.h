@@ -4,8 +4,9 @@
 //
 // Writes records of an app image's data file as the export command of the window does. KIND is
 // text (the delimited text), copy (new record files), template:I (template I, 0 to 9, into one
-// file), templates:I (template I, a file a record in a folder), xls (the spreadsheet) or listing
-// (the ".rtf" listing). OUT is the folder and name of the export; its extension is cut and the
+// file), templates:I (template I, a file a record in a folder), xls (the spreadsheet), listing
+// (the ".rtf" listing), html (a folder of HTML record pages with the paging index.php), htm (the
+// pages of one record, --record N) or php (the web form site; it takes no records). OUT is the folder and name of the export; its extension is cut and the
 // kind adds its own. The range is all records, or --from and --to, in file order or in the order
 // of --sort; --search exports the records a select or find line lists, in its order. The kind xml
 // writes the XML text of one record, as Copy puts it on the clipboard, in UTF-8 (OUT "-" is

@@ -5,12 +5,24 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QGuiApplication>
 
 #include <cstdio>
+#include <cstring>
+#include <memory>
 
 int main(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
+    // The export verb draws pages and measures text for the web pages: that needs Qt Gui's fonts
+    // and pictures, so it gets a QGuiApplication, on the offscreen platform unless one is named,
+    // because a command line tool must run without a display. The other verbs keep the lighter
+    // core application and its quicker start.
+    const bool drawing = argc > 1 && std::strcmp(argv[1], "export") == 0;
+    if (drawing && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const std::unique_ptr<QCoreApplication> application =
+        drawing ? std::make_unique<QGuiApplication>(argc, argv) : std::make_unique<QCoreApplication>(argc, argv);
+    QCoreApplication &app = *application;
     ff::UseWorkingLocale();
     QTextStream out(stdout);
     QTextStream err(stderr);
