@@ -33,4 +33,11 @@ void EngineFormulaHooks::RunFormulas(Page &page, int currentRecord)
     engine.RunFormulas();
 }
 
+void EngineFormulaHooks::RunFormulas(Page &page, int currentRecord, PendingRecord &pending)
+{
+    context_.CurrentRecord = currentRecord;
+    FormulaEngine engine(page, context_);
+    engine.RunFormulas(pending);
+}
+
 } // namespace ff

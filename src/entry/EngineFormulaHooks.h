@@ -17,6 +17,7 @@ public:
     double NumberValue(const QString &text, QChar decimalSeparator) const override;
     void SetFieldDefault(Page &page, int index, bool showZeros) const override;
     void RunFormulas(Page &page, int currentRecord) override;
+    void RunFormulas(Page &page, int currentRecord, PendingRecord &pending) override;
 
 private:
     FormulaContext &context_;

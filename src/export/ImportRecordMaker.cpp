@@ -188,7 +188,7 @@ double ImportRecordMaker::NumberFromBytes(std::string_view bytes, QChar decimalS
     return value;
 }
 
-std::optional<double> ImportRecordMaker::date(std::string_view bytes)
+std::optional<double> ImportRecordMaker::date(std::string_view bytes) const
 {
     // The reader's answers are kept in a table of slots by a hash of the text: the same dates
     // come again and again in an import.
@@ -204,7 +204,7 @@ std::optional<double> ImportRecordMaker::date(std::string_view bytes)
     return slot.value;
 }
 
-QString ImportRecordMaker::dateText(int field, int type, double day)
+QString ImportRecordMaker::dateText(int field, int type, double day) const
 {
     // Formatting a date goes through the system's local time for every call; the same days come
     // again and again, and the text depends on the type and the day alone. The texts are kept in
@@ -302,115 +302,117 @@ void ImportRecordMaker::fillBytes(const ImportRows &rows, int row, const QString
     }
 }
 
-void ImportRecordMaker::fillPage(const ImportRows &rows, int row, const QString *pictureNames, QStringList &warnings)
+// ---- the row as a pending record: what the page would hold for each element ----
+
+int ImportRecordMaker::columnOf(const std::vector<int> &columns, int n) const
 {
-    page_.FieldText = blankFieldText_;
-    page_.FieldDate = blankFieldDate_;
-    page_.FieldLocked = blankFieldLocked_;
-    page_.ComboText = blankComboText_;
-    page_.CheckValue = blankCheckValue_;
-    page_.NoteText = blankNoteText_;
-    page_.PictureRecordName = blankPictureNames_;
-    page_.FlowLabels.clear();
-    page_.FlowImages.clear();
-    page_.RecordStamp = blank_.RecordStamp;
-    auto text = [&](int column) {
-        const std::string_view v = rows.value(row, column);
-        return codePage_.decode(v.data(), qsizetype(v.size()));
-    };
-    for (size_t i = 1; i < design_.Fields.size(); ++i) {
-        const int column = columns_.field[i];
-        if (column < 0 || column >= rows.valueCount(row))
-            continue;
-        const int type = design_.Fields[i].FieldType;
-        if (isDateType(type)) {
-            const std::optional<double> d = date(rows.value(row, column));
-            const double day = d && currencyFits(*d) ? *d : 0.0;
-            page_.FieldDate[qsizetype(i)] = day;
-            page_.FieldText[qsizetype(i)] = day == 0 ? QString() : dateText(int(i), type, day);
-        } else if (isNumberType(type)) {
-            std::string cleaned;
-            const std::string_view value = rows.value(row, column);
-            const double v = NumberFromBytes(value, decimalSeparator_, codePage_, &cleaned);
-            if (!numberFits(type, v)) {
-                warnings << QStringLiteral("%1 does not fit field %2").arg(text(column), design_.Fields[i].Tag);
-                page_.FieldText[qsizetype(i)] = QStringLiteral("0");
-            } else if (decimalSeparator_.unicode() < 128 && !cleaned.empty()
-                       && !(type == 1 && significantDigits(value) > 15)) {
-                // The text through the number clean-up, with the system's decimal separator, so
-                // that the record's own reading of it (PackRecord) finds the same number.
-                QString t = QString::fromLatin1(cleaned.data(), qsizetype(cleaned.size()));
-                if (decimalSeparator_ != QLatin1Char('.'))
-                    t.replace(QLatin1Char('.'), decimalSeparator_);
-                page_.FieldText[qsizetype(i)] = t;
-            } else {
-                page_.FieldText[qsizetype(i)] = NumberToText(v, separatorText_);
-            }
-        } else {
-            page_.FieldText[qsizetype(i)] = text(column);
-        }
+    const int column = n >= 0 && size_t(n) < columns.size() ? columns[size_t(n)] : -1;
+    return column >= 0 && column < rows_->valueCount(row_) ? column : -1;
+}
+
+QString ImportRecordMaker::textOf(int column) const
+{
+    const std::string_view v = rows_->value(row_, column);
+    return codePage_.decode(v.data(), qsizetype(v.size()));
+}
+
+double ImportRecordMaker::dayOf(int n) const
+{
+    const int column = columnOf(columns_.field, n);
+    if (column < 0)
+        return blankFieldDate_.value(n);
+    const std::optional<double> d = date(rows_->value(row_, column));
+    return d && currencyFits(*d) ? *d : 0.0;
+}
+
+QString ImportRecordMaker::fieldText(int n) const
+{
+    const int column = columnOf(columns_.field, n);
+    if (column < 0)
+        return blankFieldText_.value(n);
+    const int type = design_.Fields[size_t(n)].FieldType;
+    if (isDateType(type)) {
+        const double day = dayOf(n);
+        return day == 0 ? QString() : dateText(n, type, day);
     }
-    for (size_t i = 1; i < design_.Combos.size(); ++i)
-        if (columns_.combo[i] >= 0 && columns_.combo[i] < rows.valueCount(row))
-            page_.ComboText[qsizetype(i)] = text(columns_.combo[i]);
-    for (size_t i = 0; i < design_.Checks.size(); ++i)
-        if (columns_.check[i] >= 0 && columns_.check[i] < rows.valueCount(row))
-            page_.CheckValue[qsizetype(i)] =
-                NumberFromBytes(rows.value(row, columns_.check[i]), decimalSeparator_, codePage_) != 0 ? 1 : 0;
-    for (size_t i = 1; i < design_.Notes.size(); ++i)
-        if (columns_.note[i] >= 0 && columns_.note[i] < rows.valueCount(row))
-            page_.NoteText[qsizetype(i)] = text(columns_.note[i]);
-    if (pictureNames)
-        for (size_t i = 0; i < design_.Pictures.size(); ++i)
-            if (columns_.picture[i] >= 0)
-                page_.PictureRecordName[qsizetype(i)] = pictureNames[i];
+    if (isNumberType(type)) {
+        std::string cleaned;
+        const std::string_view value = rows_->value(row_, column);
+        const double v = NumberFromBytes(value, decimalSeparator_, codePage_, &cleaned);
+        if (!numberFits(type, v))
+            return QStringLiteral("0"); // fillBytes has told it
+        if (decimalSeparator_.unicode() < 128 && !cleaned.empty() && !(type == 1 && significantDigits(value) > 15)) {
+            // The text through the number clean-up, with the system's decimal separator, so
+            // that the record's own reading of it (PackRecord) finds the same number.
+            QString t = QString::fromLatin1(cleaned.data(), qsizetype(cleaned.size()));
+            if (decimalSeparator_ != QLatin1Char('.'))
+                t.replace(QLatin1Char('.'), decimalSeparator_);
+            return t;
+        }
+        return NumberToText(v, separatorText_);
+    }
+    return textOf(column);
+}
+
+QString ImportRecordMaker::comboText(int n) const
+{
+    const int column = columnOf(columns_.combo, n);
+    return column < 0 ? blankComboText_.value(n) : textOf(column);
+}
+
+int ImportRecordMaker::checkValue(int n) const
+{
+    const int column = columnOf(columns_.check, n);
+    if (column < 0)
+        return blankCheckValue_.value(n);
+    return NumberFromBytes(rows_->value(row_, column), decimalSeparator_, codePage_) != 0 ? 1 : 0;
+}
+
+void ImportRecordMaker::putOnPage(ElementKind kind, int n, Page &page)
+{
+    switch (kind) {
+    case ElementKind::Field:
+        page.FieldText[n] = fieldText(n);
+        page.FieldDate[n] = isDateType(design_.Fields[size_t(n)].FieldType) ? dayOf(n) : blankFieldDate_.value(n);
+        break;
+    case ElementKind::Combo: page.ComboText[n] = comboText(n); break;
+    case ElementKind::Check: page.CheckValue[n] = checkValue(n); break;
+    case ElementKind::Note: {
+        const int column = columnOf(columns_.note, n);
+        page.NoteText[n] = column < 0 ? blankNoteText_.value(n) : textOf(column);
+        break;
+    }
+    default: return;
+    }
+    onPage_.emplace_back(kind, n);
 }
 
 void ImportRecordMaker::make(const ImportRows &rows, int row, int64_t record, const QString *pictureNames, char *out,
                              QStringList &warnings)
 {
     const int length = layout_.RecordLength;
-    if (!formulas_) {
-        std::memcpy(out, blankPlain_.constData(), size_t(length));
-        fillBytes(rows, row, pictureNames, out, warnings);
-        if (design_.ScrambleRecords == 1)
-            ScrambleBytes(out, length);
-        return;
-    }
-    // The row's own bytes are the record that packing the page would give; after the formulas,
-    // only the fields they changed are packed again (a changed text is a new string, since
-    // `before` holds the old one), and the whole page when they changed anything else.
-    fillPage(rows, row, pictureNames, warnings);
     std::memcpy(record_.data(), blankPlain_.constData(), size_t(length));
-    QStringList again; // fillPage has told these
-    fillBytes(rows, row, pictureNames, record_.data(), again);
-    const QVector<QString> before = page_.FieldText;
-    const QVector<double> datesBefore = page_.FieldDate;
-    const QVector<QString> combosBefore = page_.ComboText;
-    const QVector<QString> notesBefore = page_.NoteText;
-    const QVector<int> checksBefore = page_.CheckValue;
-    hooks_.RunFormulas(page_, int(record));
-    Status packed;
-    if (!page_.ComboText.isSharedWith(combosBefore) || !page_.NoteText.isSharedWith(notesBefore)
-        || page_.CheckValue != checksBefore) {
-        Result<QByteArray> whole = codec_.pack(page_);
-        if (whole)
-            record_ = codec_.plain(*whole);
-        else
-            packed = whole.error();
-    } else if (!page_.FieldText.isSharedWith(before) || page_.FieldDate != datesBefore) {
-        for (qsizetype i = 1; i < before.size() && packed; ++i) {
-            const QString &now = page_.FieldText[i];
-            if (now.constData() != before[i].constData() || now.size() != before[i].size()
-                || page_.FieldDate.value(i) != datesBefore.value(i))
-                packed = codec_.packField(record_, size_t(i), page_);
+    fillBytes(rows, row, pictureNames, record_.data(), warnings);
+    if (formulas_) {
+        // The formulas run on the row as a pending record; what they write goes on the page and
+        // from there into the record, element by element. The rest keeps the row's bytes, which
+        // are what packing the row's values would give.
+        rows_ = &rows;
+        row_ = row;
+        onPage_.clear();
+        hooks_.RunFormulas(page_, int(record), *this);
+        Status packed;
+        for (const auto &[kind, n] : onPage_) {
+            packed = codec_.packElement(record_, kind, size_t(n), page_);
+            if (!packed)
+                break;
         }
-    }
-    if (!packed) {
-        // A formula gave a value its field cannot hold: the record keeps the new record's
-        // defaults, as a save that fails would.
-        warnings << QStringLiteral("record %1: %2").arg(record).arg(packed.error().text);
-        std::memcpy(record_.data(), blankPlain_.constData(), size_t(length));
+        if (!packed) {
+            // A formula gave a value its field cannot hold: the record keeps the new record's
+            // defaults, as a save that fails would.
+            warnings << QStringLiteral("record %1: %2").arg(record).arg(packed.error().text);
+            std::memcpy(record_.data(), blankPlain_.constData(), size_t(length));
+        }
     }
     std::memcpy(out, record_.constData(), size_t(length));
     if (design_.ScrambleRecords == 1)

@@ -14,6 +14,7 @@
 #include "core/CodePage.h"
 #include "core/Result.h"
 #include "design/Page.h"
+#include "design/PendingRecord.h"
 #include "export/ImportLineMachine.h"
 #include "store/FormulaHooks.h"
 #include "store/RecordCodec.h"
@@ -41,7 +42,7 @@ struct ImportColumns {
     static ImportColumns match(const Design &design, const QStringList &header);
 };
 
-class ImportRecordMaker {
+class ImportRecordMaker : private PendingRecord {
 public:
     // `blank`: a new record's page (defaults, stamp); `hooks` run the formulas and format dates;
     // `locale` reads dates.
@@ -62,10 +63,18 @@ public:
                                   std::string *cleaned = nullptr);
 
 private:
-    std::optional<double> date(std::string_view bytes);
-    QString dateText(int field, int type, double day);
+    // The date reader's and the formatter's answers are kept: asking again changes nothing.
+    std::optional<double> date(std::string_view bytes) const;
+    QString dateText(int field, int type, double day) const;
     bool numberFits(int type, double value) const;
-    void fillPage(const ImportRows &rows, int row, const QString *pictureNames, QStringList &warnings);
+    // The row being made, as the formulas see it.
+    QString fieldText(int n) const override;
+    QString comboText(int n) const override;
+    int checkValue(int n) const override;
+    void putOnPage(ElementKind kind, int n, Page &page) override;
+    int columnOf(const std::vector<int> &columns, int n) const; // -1 when the row has no value for it
+    QString textOf(int column) const;
+    double dayOf(int n) const;
     void fillBytes(const ImportRows &rows, int row, const QString *pictureNames, char *plain, QStringList &warnings);
     void putText(char *plain, int offset1, int size, std::string_view bytes) const;
 
@@ -83,18 +92,21 @@ private:
     bool formulas_ = false;
     QByteArray blankPlain_; // the blank record's bytes, unscrambled
     QByteArray record_;     // the record being made, unscrambled
+    const ImportRows *rows_ = nullptr;
+    int row_ = 0;
+    std::vector<std::pair<ElementKind, int>> onPage_; // elements the formulas wrote, on page_
     struct DateSlot {
         std::string key;
         std::optional<double> value;
         bool used = false;
     };
-    std::vector<DateSlot> dateSlots_; // the date reader's answers
+    mutable std::vector<DateSlot> dateSlots_; // the date reader's answers
     struct DateTextSlot {
         int type = -1;
         double day = 0;
         QString text;
     };
-    std::vector<DateTextSlot> dateTextSlots_; // shown texts of the days
+    mutable std::vector<DateTextSlot> dateTextSlots_; // shown texts of the days
     QVector<QString> blankFieldText_, blankComboText_, blankNoteText_, blankPictureNames_;
     QVector<double> blankFieldDate_;
     QVector<bool> blankFieldLocked_;

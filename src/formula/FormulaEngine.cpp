@@ -69,9 +69,20 @@ void replaceName(QString &line, QStringView name, Qt::CaseSensitivity cs, MakeVa
 
 void FormulaEngine::startSnapshot()
 {
-    startFieldText_ = page_.FieldText;
-    startComboText_ = page_.ComboText;
-    startCheckValue_ = page_.CheckValue;
+    if (pending_) {
+        // The start values are the pending record's, read when first named.
+        startFieldText_.clear();
+        startComboText_.clear();
+        startCheckValue_.clear();
+        const size_t sizes[4] = {size_t(page_.FieldText.size()), size_t(page_.ComboText.size()),
+                                 size_t(page_.CheckValue.size()), size_t(page_.NoteText.size())};
+        for (int k = 0; k < 4; ++k)
+            onPage_[k].assign(sizes[k], 0);
+    } else {
+        startFieldText_ = page_.FieldText;
+        startComboText_ = page_.ComboText;
+        startCheckValue_ = page_.CheckValue;
+    }
     fieldValues_.assign(size_t(std::max(fieldCount() + 1, 0)), std::nullopt);
     comboValues_.assign(size_t(std::max(comboCount() + 1, 0)), std::nullopt);
     checkValues_.assign(size_t(std::max(checkCount() + 1, 0)), std::nullopt);
@@ -86,7 +97,7 @@ const QString &FormulaEngine::fieldValue(int n)
     if (value)
         return *value;
     const QString separator = context_.DecimalSeparator();
-    const QString &text = startFieldText_[n];
+    const QString text = pending_ ? pending_->fieldText(n) : startFieldText_[n];
     const int type = page_.design().Fields[n].FieldType;
     value.emplace();
     if (type == kFormatText) {
@@ -109,7 +120,7 @@ const QString &FormulaEngine::comboValue(int n)
         return none;
     std::optional<QString> &value = comboValues_[size_t(n)];
     if (!value)
-        value = CleanNumberCopy(startComboText_[n], context_.DecimalSeparator());
+        value = CleanNumberCopy(pending_ ? pending_->comboText(n) : startComboText_[n], context_.DecimalSeparator());
     return *value;
 }
 
@@ -120,8 +131,47 @@ const QString &FormulaEngine::checkValue(int n)
         return none;
     std::optional<QString> &value = checkValues_[size_t(n)];
     if (!value)
-        value = QString::number(startCheckValue_[n]);
+        value = QString::number(pending_ ? pending_->checkValue(n) : startCheckValue_[n]);
     return *value;
+}
+
+namespace {
+
+int kindSlot(ElementKind kind)
+{
+    switch (kind) {
+    case ElementKind::Field: return 0;
+    case ElementKind::Combo: return 1;
+    case ElementKind::Check: return 2;
+    default: return 3;
+    }
+}
+
+} // namespace
+
+QString FormulaEngine::liveFieldText(int n) const
+{
+    if (!pending_ || onPage_[0][size_t(n)])
+        return page_.FieldText[n];
+    return pending_->fieldText(n);
+}
+
+QString FormulaEngine::liveComboText(int n) const
+{
+    if (!pending_ || onPage_[1][size_t(n)])
+        return page_.ComboText[n];
+    return pending_->comboText(n);
+}
+
+void FormulaEngine::touch(ElementKind kind, int n)
+{
+    if (!pending_)
+        return;
+    std::vector<uint8_t> &flags = onPage_[kindSlot(kind)];
+    if (n < 0 || size_t(n) >= flags.size() || flags[size_t(n)])
+        return;
+    flags[size_t(n)] = 1;
+    pending_->putOnPage(kind, n, page_);
 }
 
 QString FormulaEngine::FieldValue(int n) const
@@ -133,6 +183,12 @@ QString FormulaEngine::FieldValue(int n) const
 
 QString FormulaEngine::systemVariables(QString &line, Qt::CaseSensitivity cs)
 {
+    // Every name holds a "d", an "s" or a "t" in either case: most lines hold none of them.
+    if (std::none_of(line.cbegin(), line.cend(), [](QChar c) {
+            const char16_t u = c.unicode() | 0x20;
+            return u == 'd' || u == 's' || u == 't';
+        }))
+        return line;
     const QString separator = context_.DecimalSeparator();
     std::optional<double> now;
     const auto present = [this, &now] {
@@ -169,11 +225,11 @@ QString FormulaEngine::SubstituteFields(QString &line, int mode)
     } else {
         for (int n = fieldCount(); n >= 1 && holds('F'); --n) {
             replaceName(line, Reference('F', n).view(), Qt::CaseSensitive,
-                        [&] { return QString(page_.FieldText[n]).replace(QLatin1Char(' '), QLatin1Char('_')); });
+                        [&] { return QString(liveFieldText(n)).replace(QLatin1Char(' '), QLatin1Char('_')); });
         }
         for (int n = comboCount(); n >= 1 && holds('C'); --n) {
             replaceName(line, Reference('C', n).view(), Qt::CaseSensitive,
-                        [&] { return QString(page_.ComboText[n]).replace(QLatin1Char(' '), QLatin1Char('_')); });
+                        [&] { return QString(liveComboText(n)).replace(QLatin1Char(' '), QLatin1Char('_')); });
         }
     }
     for (int n = checkCount(); n >= 0 && holds('K'); --n)
@@ -204,6 +260,13 @@ QString FormulaEngine::InsertV(QString &line)
     return line;
 }
 
+void FormulaEngine::RunFormulas(PendingRecord &pending)
+{
+    pending_ = &pending;
+    RunFormulas();
+    pending_ = nullptr;
+}
+
 void FormulaEngine::RunFormulas()
 {
     const Design &design = page_.design();
@@ -217,7 +280,10 @@ void FormulaEngine::RunFormulas()
         return; // no formula at all: nothing is touched, not even the variables
 
     startSnapshot();
-    context_.FormulaVars.fill(QString());
+    for (QString &variable : context_.FormulaVars) {
+        if (!variable.isNull()) // most are: a hundred assignments a record add up in an import
+            variable = QString();
+    }
 
     for (int n = first; n <= fields; ++n) {
         const QString &formula = design.Fields[n].FieldFormula;
@@ -234,7 +300,9 @@ void FormulaEngine::RunFormulas()
             std::ignore = runLine(formula, type); // as above: the field keeps its value
         } else if (type == kFormatText) {
             QString line = formula;
-            page_.setFieldText(n, SubstituteFields(line, 1));
+            SubstituteFields(line, 1);
+            touch(ElementKind::Field, n);
+            page_.setFieldText(n, line);
         } else {
             QString line = formula;
             SubstituteFields(line, 0);
@@ -262,6 +330,7 @@ void FormulaEngine::showBareResult(int field, const QString &value)
     const FieldElement &element = page_.design().Fields[field];
     const int type = element.FieldType;
     const double number = Val(value);
+    touch(ElementKind::Field, field);
     QString text = page_.FieldText[field];
     switch (type) {
     case kFormatNumber: text = NumberToText(number, context_.DecimalSeparator()); break;
@@ -300,6 +369,7 @@ Status FormulaEngine::RunStatement(QString &token)
     };
     for (int n = noteCount(); n >= 1; --n) {
         if (named('m', n)) {
+            touch(ElementKind::Note, n);
             page_.setNoteText(n, QString(right).replace(QLatin1Char('_'), QLatin1Char(' ')));
             return Status();
         }
@@ -310,6 +380,7 @@ Status FormulaEngine::RunStatement(QString &token)
     }
     for (int n = comboCount(); n >= 1; --n) {
         if (named('c', n)) {
+            touch(ElementKind::Combo, n);
             page_.setComboText(n, right);
             if (size_t(n) < comboValues_.size())
                 comboValues_[size_t(n)] = right;
@@ -349,6 +420,7 @@ Status FormulaEngine::assignField(int field, QString &right)
     const FieldElement &element = page_.design().Fields[field];
     const int type = element.FieldType;
     const QString separator = context_.DecimalSeparator();
+    touch(ElementKind::Field, field);
     if (type == kFormatText) {
         page_.setFieldText(field, QString(right).replace(QLatin1Char('_'), QLatin1Char(' ')));
     } else if ((type >= kFormatGeneralDate && type <= kFormatLongDate) || type == kFormatMediumTime) {
@@ -387,6 +459,7 @@ Status FormulaEngine::assignCheck(int check, QString &right)
     const double whole = RoundHalfEven(*number, 0);
     if (whole < 0 || whole > 2)
         return makeError(ErrorCode::Invalid, QStringLiteral("not a check value: ") + right);
+    touch(ElementKind::Check, check);
     context_.SettingCheckFromFormula = true;
     page_.setCheckValue(check, static_cast<int>(whole));
     context_.SettingCheckFromFormula = false;

@@ -10,6 +10,7 @@
 
 #include "core/Result.h"
 #include "design/Page.h"
+#include "design/PendingRecord.h"
 #include "formula/FormulaContext.h"
 
 #include <QString>
@@ -27,6 +28,9 @@ public:
     // Recalculates every formula of the record on the page. Failures are passed over: a failing
     // line has no effect and the walk goes on with the next line.
     void RunFormulas();
+    // The same for a record not yet on the page (see PendingRecord): values are read from
+    // `pending` until a formula writes their element, which `pending` puts on the page first.
+    void RunFormulas(PendingRecord &pending);
 
     // Number mode (any mode but 1): system variables, then F, C and K references by their values
     // in the recalculation. Text mode (1): F and C by the live page texts with blanks turned into
@@ -52,6 +56,11 @@ private:
     // record as it was when the recalculation began, the first time a line names it, and
     // replaced by what a formula assigns. Most formulas name a few fields of many.
     void startSnapshot();
+    // The live values of the page, or of the pending record for elements not on the page yet.
+    QString liveFieldText(int n) const;
+    QString liveComboText(int n) const;
+    // Before a formula writes an element of a pending record, its values go on the page.
+    void touch(ElementKind kind, int n);
     const QString &fieldValue(int n);
     const QString &comboValue(int n);
     const QString &checkValue(int n);
@@ -69,6 +78,8 @@ private:
     std::vector<std::optional<QString>> fieldValues_;
     std::vector<std::optional<QString>> comboValues_;
     std::vector<std::optional<QString>> checkValues_;
+    PendingRecord *pending_ = nullptr;
+    std::vector<uint8_t> onPage_[4]; // of a pending record: fields, combos, checks, notes on the page
 };
 
 } // namespace ff

@@ -189,5 +189,6 @@ void FormulaHooks::SetFieldDefault(Page &page, int index, bool showZeros) const
 }
 
 void FormulaHooks::RunFormulas(Page &, int) {}
+void FormulaHooks::RunFormulas(Page &, int, PendingRecord &) {}
 
 } // namespace ff

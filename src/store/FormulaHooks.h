@@ -6,6 +6,7 @@
 
 #include "core/Clock.h"
 #include "design/Page.h"
+#include "design/PendingRecord.h"
 
 #include <QChar>
 #include <QDateTime>
@@ -26,6 +27,8 @@ public:
     virtual void SetFieldDefault(Page &page, int index, bool showZeros) const;
     // Recalculates the formulas of the record on the page. The base runs none.
     virtual void RunFormulas(Page &page, int currentRecord);
+    // The same for a record not yet on the page (an import's row): see PendingRecord.
+    virtual void RunFormulas(Page &page, int currentRecord, PendingRecord &pending);
 
     // The clock the base's date defaults read; the store sets its own.
     void setClock(const Clock &clock) { clock_ = &clock; }

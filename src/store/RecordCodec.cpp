@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <tuple>
 
 namespace ff {
 
@@ -163,6 +164,31 @@ Status RecordCodec::packField(QByteArray &b, size_t i, const Page &page) const
     return Status();
 }
 
+Status RecordCodec::packElement(QByteArray &b, ElementKind kind, size_t i, const Page &page) const
+{
+    switch (kind) {
+    case ElementKind::Field:
+        return i < design_.Fields.size() ? packField(b, i, page) : Status();
+    case ElementKind::Combo:
+        if (i < design_.Combos.size() && layout_.ComboOffset[i])
+            putText(b, layout_.ComboOffset[i], layout_.ComboSize[i], page.ComboText.value(qsizetype(i)));
+        break;
+    case ElementKind::Check:
+        if (i < design_.Checks.size() && layout_.CheckOffset[i]) {
+            const int v = page.CheckValue.value(qsizetype(i));
+            b[layout_.CheckOffset[i] - 1] = static_cast<char>('0' + (v >= 0 && v <= 9 ? v : 1));
+        }
+        break;
+    case ElementKind::Note:
+        if (i < design_.Notes.size() && layout_.NoteOffset[i])
+            putText(b, layout_.NoteOffset[i], layout_.NoteSize[i], page.NoteText.value(qsizetype(i)));
+        break;
+    default:
+        break;
+    }
+    return Status();
+}
+
 Result<QByteArray> RecordCodec::pack(const Page &page) const
 {
     QByteArray b(layout_.RecordLength, ' ');
@@ -171,14 +197,9 @@ Result<QByteArray> RecordCodec::pack(const Page &page) const
             return packed.error();
     }
     for (size_t i = 1; i < design_.Combos.size(); ++i)
-        if (layout_.ComboOffset[i])
-            putText(b, layout_.ComboOffset[i], layout_.ComboSize[i], page.ComboText.value(i));
-    for (size_t i = 0; i < design_.Checks.size(); ++i) {
-        if (!layout_.CheckOffset[i])
-            continue;
-        const int v = page.CheckValue.value(i);
-        b[layout_.CheckOffset[i] - 1] = static_cast<char>('0' + (v >= 0 && v <= 9 ? v : 1));
-    }
+        std::ignore = packElement(b, ElementKind::Combo, i, page); // only fields can fail
+    for (size_t i = 0; i < design_.Checks.size(); ++i)
+        std::ignore = packElement(b, ElementKind::Check, i, page);
     for (size_t i = 0; i < design_.Pictures.size(); ++i) {
         const int at = layout_.PictureOffset[i];
         if (!at)
@@ -189,8 +210,7 @@ Result<QByteArray> RecordCodec::pack(const Page &page) const
         std::memcpy(b.data() + at - 1 + kPictureNameLength - name.size(), name.constData(), name.size());
     }
     for (size_t i = 1; i < design_.Notes.size(); ++i)
-        if (layout_.NoteOffset[i])
-            putText(b, layout_.NoteOffset[i], layout_.NoteSize[i], page.NoteText.value(i));
+        std::ignore = packElement(b, ElementKind::Note, i, page);
     if (layout_.StampOffset) {
         Result<int64_t> c = toCurrency(page.RecordStamp);
         if (!c)

@@ -31,7 +31,9 @@ public:
 
     // The page as a stored record. Overflow when a whole number or an amount does not fit.
     Result<QByteArray> pack(const Page &page) const;
-    // Text field i of the page into its slot of the plain record `b`; Overflow as pack.
+    // Element i of the page (a field, combo, check or note) into its slot of the plain record
+    // `b`; Overflow as pack.
+    Status packElement(QByteArray &b, ElementKind kind, size_t i, const Page &page) const;
     Status packField(QByteArray &b, size_t i, const Page &page) const;
     // Puts a stored record on the page: values, write-once locks, picture names, the stamp, the
     // record number label and the flow layer. Does not run formulas.
