@@ -12,8 +12,8 @@ namespace ff::gui {
 
 namespace {
 
-// The kinds whose writers this program has; the others (web pages, the PHP site, PDF) are not
-// offered rather than failing after a name was chosen.
+// The kinds whose writers this program has; the others (PDF) are not offered rather than failing
+// after a name was chosen.
 bool written(const ExportChoice &choice)
 {
     if (choice.isTemplate())
@@ -22,7 +22,10 @@ bool written(const ExportChoice &choice)
     case ExportKind::DelimitedText:
     case ExportKind::Spreadsheet:
     case ExportKind::Listing:
-    case ExportKind::RecordCopy: return true;
+    case ExportKind::RecordCopy:
+    case ExportKind::HtmlPages:
+    case ExportKind::HtmlCurrent:
+    case ExportKind::PhpSite: return true;
     default: return false;
     }
 }
@@ -39,6 +42,7 @@ QString writtenExtension(const Design &design, const ExportChoice &choice)
     case ExportKind::Spreadsheet: return QStringLiteral("xls");
     case ExportKind::Listing: return QStringLiteral("rtf");
     case ExportKind::RecordCopy: return design.DataExtension;
+    case ExportKind::PhpSite: return QStringLiteral("php");
     default: return QString();
     }
 }
@@ -68,6 +72,12 @@ QString ExportChooser::filterLine(const Design &, const ExportKindItem &item)
         what = tr("Listing");
     else if (c.kind == ExportKind::RecordCopy)
         what = tr("Copy of the records");
+    else if (c.kind == ExportKind::HtmlCurrent)
+        what = tr("Web pages of this record");
+    else if (c.kind == ExportKind::HtmlPages)
+        what = tr("Web pages, a group a record");
+    else if (c.kind == ExportKind::PhpSite)
+        what = tr("Web form site (PHP)");
     return QStringLiteral("%1 (%2)").arg(what, item.pattern);
 }
 

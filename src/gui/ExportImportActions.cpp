@@ -13,6 +13,7 @@
 #include "store/Database.h"
 #include "store/RecordLayout.h"
 #include "toolkit/WaitWindow.h"
+#include "web/WebExport.h"
 
 #include <QAction>
 #include <QApplication>
@@ -296,7 +297,16 @@ void ExportImportActions::runExport(const ExportRequest &request)
     running_ = true;
     wait_->setWindowTitle(title(kExportRow, tr("Export")));
     wait_->begin();
-    const Result<ExportOutcome> done = exporter.run(request, wait_);
+    // The web kinds have their own writers; the page on screen is the record of "*.htm".
+    RecordStore &store = main_.database().store();
+    web::WebExport webExporter(store, main_.context(), main_.database().paths().AppFolder);
+    const int current = qBound(1, store.CurrentRecord(), qMax(1, store.RecordCount()));
+    const Result<ExportOutcome> done =
+        !web::WebExport::handles(request.choice.kind) ? exporter.run(request, wait_)
+        : request.choice.kind == ExportKind::HtmlCurrent
+            ? webExporter.run(request.choice.kind, ExportRange::Records(current, current, store.RecordCount()),
+                              request.folder, request.name, wait_)
+            : webExporter.run(request.choice.kind, request.range, request.folder, request.name, wait_);
     wait_->end();
     running_ = false;
     QCoreApplication::processEvents();

@@ -110,7 +110,7 @@ QByteArray PagePictures::checkPicture(int number)
         break;
     case 111: // a raised box
     case 113: // a flat box
-        p.fillRect(image.rect(), number == 111 ? QColor(0xD4, 0xD0, 0xC8) : kWhite);
+        p.fillRect(image.rect(), number == 111 ? QColor(0xD4, 0xD0, 0xC8) : QColor(0xEC, 0xEC, 0xEC));
         p.setPen(number == 111 ? kWhite : kFrame);
         p.drawLine(0, 0, CheckSize - 1, 0);
         p.drawLine(0, 0, 0, CheckSize - 1);

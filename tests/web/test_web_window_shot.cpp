@@ -1,0 +1,105 @@
+// A record page in a browser beside the window's own picture of the same record: the contacts
+// example with its sample records, the window's page grabbed, the record exported as pages of
+// the record on screen, and Chromium's screenshot of the first page compared with the grab cell
+// by cell. The two PNGs are kept in the build folder (web-shots/) for a look by eye.
+
+#include "gui/MainWindow.h"
+#include "gui/PageCanvas.h"
+#include "store/Database.h"
+#include "support/ExampleImage.h"
+#include "support/Programs.h"
+#include "web/WebExport.h"
+
+#include <QDir>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace ff;
+
+namespace {
+
+// The share of 8 x 8 cells whose mean grey differs by more than `tolerance` between the pictures,
+// over the part both cover.
+double differingCells(const QImage &a, const QImage &b, int tolerance)
+{
+    const QImage ga = a.convertToFormat(QImage::Format_Grayscale8), gb = b.convertToFormat(QImage::Format_Grayscale8);
+    const int w = qMin(ga.width(), gb.width()) / 8, h = qMin(ga.height(), gb.height()) / 8;
+    int differing = 0;
+    for (int cy = 0; cy < h; ++cy)
+        for (int cx = 0; cx < w; ++cx) {
+            int sa = 0, sb = 0;
+            for (int y = cy * 8; y < cy * 8 + 8; ++y)
+                for (int x = cx * 8; x < cx * 8 + 8; ++x) {
+                    sa += ga.constScanLine(y)[x];
+                    sb += gb.constScanLine(y)[x];
+                }
+            if (qAbs(sa - sb) / 64 > tolerance)
+                ++differing;
+        }
+    return w * h > 0 ? double(differing) / (w * h) : 1.0;
+}
+
+} // namespace
+
+class WebWindowShotTest : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void pageInTheBrowserMatchesTheWindow()
+    {
+        const QString chromium = QStandardPaths::findExecutable(QStringLiteral("chromium"));
+        if (chromium.isEmpty())
+            QSKIP("chromium is not installed: the browser's picture of the page cannot be taken");
+        QTemporaryDir dir;
+        const auto built = testsupport::buildExample(QStringLiteral("contacts"), dir.path());
+        const testsupport::ProgramRun loaded =
+            testsupport::runProgram(QStringLiteral("python3"),
+                                    {testsupport::sourcePath(QStringLiteral("tools/load_samples.py")),
+                                     testsupport::binaryPath(QStringLiteral("flatform-cli")), built.path,
+                                     testsupport::sourcePath(QStringLiteral("examples/contacts"))});
+        QVERIFY2(loaded.exitCode == 0, loaded.err.constData());
+        DesignLoad load = testsupport::loadImage(built.path);
+        QVERIFY(load.complete());
+        gui::MainWindow window(ParseCommandLine(built.path, {}), std::move(load));
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        const QImage grab = window.canvas()->grab().toImage();
+
+        RecordStore &store = window.database().store();
+        QCOMPARE(store.CurrentRecord(), 1);
+        web::WebExport exporter(store, window.context(), window.database().paths().AppFolder);
+        const QString out = dir.filePath(QStringLiteral("out"));
+        QVERIFY(QDir().mkpath(out));
+        const auto done = exporter.run(ExportKind::HtmlCurrent, ExportRange::Records(1, 1, store.RecordCount()), out,
+                                       QStringLiteral("one.htm"));
+        QVERIFY2(done.ok(), done ? "" : qPrintable(done.error().text));
+
+        const QString shots = QDir(qEnvironmentVariable("FLATFORM_BINARY_DIR", dir.path())).filePath(QStringLiteral("web-shots"));
+        QVERIFY(QDir().mkpath(shots));
+        const QString browserShot = QDir(shots).filePath(QStringLiteral("browser.png"));
+        QFile::remove(browserShot);
+        const testsupport::ProgramRun shot = testsupport::runProgram(
+            chromium,
+            {QStringLiteral("--headless"), QStringLiteral("--no-sandbox"), QStringLiteral("--disable-gpu"),
+             QStringLiteral("--hide-scrollbars"), QStringLiteral("--screenshot=") + browserShot,
+             QStringLiteral("--window-size=%1,%2").arg(grab.width()).arg(grab.height()),
+             QUrl::fromLocalFile(out + QStringLiteral("/one/one.htm")).toString()},
+            QByteArray(), 120000);
+        QVERIFY2(shot.exitCode == 0, shot.err.constData());
+        const QImage browser(browserShot);
+        QVERIFY(!browser.isNull());
+        QVERIFY(grab.save(QDir(shots).filePath(QStringLiteral("window.png"))));
+
+        // The widgets draw their own frames and boxes where the page writes only the value, so
+        // the pictures are not equal; most of the page is, and the elements stand at their places.
+        const double differing = differingCells(grab, browser, 40);
+        qInfo("cells differing by more than 40 grey levels: %.1f %%", differing * 100);
+        QVERIFY2(differing < 0.06, qPrintable(QStringLiteral("%1 % of the cells differ").arg(differing * 100)));
+        // The same comparison with the browser's picture moved by 12 pixels fails: the test sees places.
+        const QImage moved = browser.copy(12, 12, browser.width(), browser.height());
+        QVERIFY(differingCells(grab, moved, 40) > differing * 2);
+    }
+};
+
+QTEST_MAIN(WebWindowShotTest)
+#include "test_web_window_shot.moc"
