@@ -9,6 +9,7 @@ PACKAGES=(
   python3 sqlite3
   xvfb xauth fonts-dejavu-core
   clang libclang-rt-14-dev
+  chromium php-cli
 )
 
 missing=()
