@@ -82,7 +82,7 @@ PageBinder::PageBinder(PageCanvas &canvas, Page &page, FieldEntry &entry, PageAc
         watch(note, Kind::Note, i);
         connect(note, &QPlainTextEdit::textChanged, this, [this, i, note] {
             if (!refreshing_)
-                page_.NoteText[i] = note->toPlainText();
+                page_.NoteText[i] = storedNoteText(note->toPlainText());
         });
     }
     for (int i = 0; i < int(d.Checks.size()); ++i)
@@ -175,14 +175,27 @@ void PageBinder::refreshCombo(int i)
     refreshing_ = false;
 }
 
+// A note keeps its line breaks as CR LF, as records of other programs and the text export's
+// quoting rule expect; the text box shows and types bare line feeds.
+QString PageBinder::storedNoteText(QString typed)
+{
+    return typed.replace(QLatin1String("\r\n"), QLatin1String("\n")).replace(QLatin1Char('\n'), QLatin1String("\r\n"));
+}
+
+QString PageBinder::shownNoteText(QString stored)
+{
+    return stored.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+}
+
 void PageBinder::refreshNote(int i)
 {
     auto *note = qobject_cast<QPlainTextEdit *>(canvas_.noteWidget(i));
     if (!note || i >= page_.NoteText.size())
         return;
     refreshing_ = true;
-    if (note->toPlainText() != page_.NoteText[i])
-        note->setPlainText(page_.NoteText[i]);
+    const QString shown = shownNoteText(page_.NoteText[i]);
+    if (note->toPlainText() != shown)
+        note->setPlainText(shown);
     note->setReadOnly(page_.NoteLocked.value(i));
     refreshing_ = false;
 }

@@ -59,6 +59,8 @@ private:
     void refreshField(int index);
     void refreshCombo(int index);
     void refreshNote(int index);
+    static QString storedNoteText(QString typed);
+    static QString shownNoteText(QString stored);
     void refreshCheck(int index);
     void refreshTitle(int index);
     void refreshPicture(int index);
