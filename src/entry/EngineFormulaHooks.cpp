@@ -26,18 +26,25 @@ void EngineFormulaHooks::SetFieldDefault(Page &page, int index, bool showZeros) 
     ff::SetFieldDefault(page, index, context_.Now(), context_.locale);
 }
 
+FormulaEngine &EngineFormulaHooks::engineFor(Page &page)
+{
+    if (!engine_ || enginePage_ != &page) {
+        engine_ = std::make_unique<FormulaEngine>(page, context_);
+        enginePage_ = &page;
+    }
+    return *engine_;
+}
+
 void EngineFormulaHooks::RunFormulas(Page &page, int currentRecord)
 {
     context_.CurrentRecord = currentRecord;
-    FormulaEngine engine(page, context_);
-    engine.RunFormulas();
+    engineFor(page).RunFormulas();
 }
 
 void EngineFormulaHooks::RunFormulas(Page &page, int currentRecord, PendingRecord &pending)
 {
     context_.CurrentRecord = currentRecord;
-    FormulaEngine engine(page, context_);
-    engine.RunFormulas(pending);
+    engineFor(page).RunFormulas(pending);
 }
 
 } // namespace ff

@@ -5,7 +5,10 @@
 // one to their Database, so the page looks the same in both.
 
 #include "formula/FormulaContext.h"
+#include "formula/FormulaEngine.h"
 #include "store/FormulaHooks.h"
+
+#include <memory>
 
 namespace ff {
 
@@ -20,7 +23,12 @@ public:
     void RunFormulas(Page &page, int currentRecord, PendingRecord &pending) override;
 
 private:
+    FormulaEngine &engineFor(Page &page);
+
     FormulaContext &context_;
+    // The engine of the last page: an import recalculates a page a million times over.
+    std::unique_ptr<FormulaEngine> engine_;
+    const Page *enginePage_ = nullptr;
 };
 
 } // namespace ff
