@@ -15,7 +15,6 @@ on both threads (the default) and with --threads 1.
 """
 import argparse
 import os
-import statistics
 import subprocess
 import sys
 import time
@@ -24,25 +23,7 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 ROOT = os.path.dirname(HERE)
 sys.path.insert(0, HERE)
 import run  # noqa: E402  the search benchmark's data generation
-
-
-def timed(cmd, out_path):
-    start = time.perf_counter()
-    with open(out_path, "wb") as out:
-        p = subprocess.run(cmd, stdout=out, stderr=subprocess.PIPE)
-    elapsed = time.perf_counter() - start
-    if p.returncode != 0:
-        sys.exit("failed: %s\n%s" % (" ".join(cmd), p.stderr.decode(errors="replace")))
-    return elapsed
-
-
-def peak_kb(cmd, out_path):
-    with open(out_path, "wb") as out:
-        p = subprocess.run(["/usr/bin/time", "-v"] + cmd, stdout=out, stderr=subprocess.PIPE)
-    for line in p.stderr.decode(errors="replace").splitlines():
-        if "Maximum resident set size" in line:
-            return int(line.split(":")[1])
-    return -1
+from benchlib import median_time, peak_kb  # noqa: E402
 
 
 def main():
@@ -89,8 +70,7 @@ def main():
     print("%-20s %10s %12s %14s" % ("case", "seconds", "MB written", "peak RSS KB"))
     times = {}
     for name, cmd, stdout_path, written in cases:
-        timed(cmd, stdout_path)  # warm
-        times[name] = statistics.median(timed(cmd, stdout_path) for _ in range(args.repeat))
+        times[name] = median_time(cmd, args.repeat, stdout_path)
         size = os.path.getsize(written) / 1e6
         lines = sum(1 for _ in open(written, "rb"))
         print("%-20s %10.3f %12.1f %14d   %d lines" % (name, times[name], size, peak_kb(cmd, stdout_path), lines))

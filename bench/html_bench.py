@@ -23,16 +23,12 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 ROOT = os.path.dirname(HERE)
 sys.path.insert(0, HERE)
 import run  # noqa: E402  the search benchmark's data generation
+from benchlib import timed  # noqa: E402
 
 
 def export_once(cmd, folder):
     shutil.rmtree(folder, ignore_errors=True)
-    start = time.perf_counter()
-    p = subprocess.run(cmd, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
-    elapsed = time.perf_counter() - start
-    if p.returncode != 0:
-        sys.exit("failed: %s\n%s" % (" ".join(cmd), p.stderr.decode(errors="replace")))
-    return elapsed
+    return timed(cmd, os.devnull)[0]
 
 
 def inventory(folder):

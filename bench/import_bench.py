@@ -19,7 +19,6 @@ import argparse
 import json
 import os
 import shutil
-import statistics
 import subprocess
 import sys
 import time
@@ -28,6 +27,7 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 ROOT = os.path.dirname(HERE)
 sys.path.insert(0, HERE)
 import run as search_bench  # noqa: E402  (the generator of the search benchmark's rows)
+from benchlib import median_time, peak_kb  # noqa: E402
 
 HEAD = "No.,name,city,street,email,remark,amount,price,qty,day,code,country,paid\n"
 
@@ -51,27 +51,6 @@ def make_design(path, formula):
     design["Fields"].append(total)
     with open(path, "w") as f:
         json.dump(design, f, indent=1)
-
-
-def timed(cmd, before=None):
-    if before:
-        before()
-    start = time.perf_counter()
-    p = subprocess.run(cmd, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-    elapsed = time.perf_counter() - start
-    if p.returncode != 0:
-        sys.exit("failed: %s\n%s" % (" ".join(cmd), p.stderr.decode(errors="replace")))
-    return elapsed, p.stdout
-
-
-def peak_kb(cmd, before=None):
-    if before:
-        before()
-    p = subprocess.run(["/usr/bin/time", "-v"] + cmd, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
-    for line in p.stderr.decode(errors="replace").splitlines():
-        if "Maximum resident set size" in line:
-            return int(line.split(":")[1])
-    return -1
 
 
 def main():
@@ -119,19 +98,17 @@ def main():
     print("records %d, repeat %d (median), load average %.2f, %d cores, %s" % (
         args.records, args.repeat, load, os.cpu_count(), time.strftime("%Y-%m-%d %H:%M")))
     print("%-34s %9s %12s   %s" % ("case", "seconds", "records/s", "result"))
-    timed(sq, no_data)  # warm: the CSV and the programs in the page cache
-    st = statistics.median(timed(sq, no_data)[0] for _ in range(args.repeat))
+    st = median_time(sq, args.repeat, before=no_data)
     count = subprocess.run(["sqlite3", db, "SELECT count(*) FROM t;"], stdout=subprocess.PIPE).stdout.decode().strip()
     print("%-34s %9.3f %12.0f   %s rows" % ("sqlite3 .import", st, args.records / st, count))
-    peaks = ["sqlite import %d" % peak_kb(sq, no_data)]
+    peaks = ["sqlite import %d" % peak_kb(sq, before=no_data)]
     for name, label in (("formula", "flatform-cli import, formula F7*F8"), ("plain", "flatform-cli import, no formula")):
         ff = [cli, "import", images[name], csv, "--data", data]
-        timed(ff, no_data)
-        ft = statistics.median(timed(ff, no_data)[0] for _ in range(args.repeat))
+        ft = median_time(ff, args.repeat, before=no_data)
         shown = subprocess.run([cli, "records", images[name], "--data", data, "count"],
                                stdout=subprocess.PIPE).stdout.decode().strip()
         print("%-34s %9.3f %12.0f   %s records, %.2fx sqlite's speed" % (label, ft, args.records / ft, shown, st / ft))
-        peaks.append("flatform %s %d" % (name, peak_kb(ff, no_data)))
+        peaks.append("flatform %s %d" % (name, peak_kb(ff, before=no_data)))
     print("peak memory (max RSS, KB): " + ", ".join(peaks))
 
 

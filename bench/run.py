@@ -24,12 +24,13 @@ import argparse
 import json
 import os
 import random
-import shutil
-import statistics
 import struct
 import subprocess
 import sys
 import time
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from benchlib import median_time, peak_kb, timed  # noqa: E402
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 ROOT = os.path.dirname(HERE)
@@ -133,23 +134,6 @@ def settle(path, small_pages=False):
         os.close(fd)
 
 
-def timed(cmd):
-    start = time.perf_counter()
-    p = subprocess.run(cmd, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-    elapsed = time.perf_counter() - start
-    if p.returncode != 0:
-        sys.exit("failed: %s\n%s" % (" ".join(cmd), p.stderr.decode(errors="replace")))
-    return elapsed, p.stdout
-
-
-def peak_kb(cmd):
-    p = subprocess.run(["/usr/bin/time", "-v"] + cmd, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
-    for line in p.stderr.decode(errors="replace").splitlines():
-        if "Maximum resident set size" in line:
-            return int(line.split(":")[1])
-    return -1
-
-
 def lines(output):
     return output.count(b"\n")
 
@@ -234,8 +218,7 @@ def main():
         ]
 
     def median(cmd):
-        timed(cmd)  # warm
-        return statistics.median(timed(cmd)[0] for _ in range(args.repeat))
+        return median_time(cmd, args.repeat)
 
     load = os.getloadavg()[0]
     print("records %d, repeat %d (median), load average %.2f, %d cores, %s" % (
