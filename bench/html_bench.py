@@ -8,8 +8,8 @@ bench/bench_design.json: one page, so one page file a record). The export writes
 pages as a whole process, start-up included. The file system side then makes the same files in a
 fresh folder: the same names, the same number, the same sizes, each opened, written in one write
 and closed by Python's os.open/os.write/os.close, the cheapest way Python has. Each side runs once
-to warm the caches, then K times into a folder emptied before the run (the emptying is not timed);
-the table shows the median wall times and their ratio.
+to warm the caches, then K times, taking turns at going first, each run into a new folder after a
+sync; the folders are deleted at the end. The table shows the median wall times and their ratio.
 """
 import argparse
 import os
@@ -27,8 +27,8 @@ from benchlib import timed  # noqa: E402
 
 
 def export_once(cmd, folder):
-    shutil.rmtree(folder, ignore_errors=True)
-    return timed(cmd, os.devnull)[0]
+    os.sync()  # the last run's files go to disk now, not during this one
+    return timed(cmd + [folder], os.devnull)[0]
 
 
 def inventory(folder):
@@ -41,7 +41,7 @@ def inventory(folder):
 
 
 def write_same(files, folder):
-    shutil.rmtree(folder, ignore_errors=True)
+    os.sync()
     subfolders = sorted({os.path.dirname(rel) for rel, _ in files})
     payloads = {size: b"x" * size for size in {s for _, s in files}}
     start = time.perf_counter()
@@ -77,18 +77,26 @@ def main():
     if args.regenerate or not os.path.exists(data):
         run.generate(args.records, data, csv)
 
-    pages = os.path.join(args.dir, "pages")
-    same = os.path.join(args.dir, "same")
-    cmd = [cli, "export", image, "html", pages, "--data", data]
+    # Every run writes into a folder of its own, and the folders go only at the end: creating files
+    # where as many were just deleted costs the file system more, and would burden whichever side
+    # came second.
+    runs = os.path.join(args.dir, "runs")
+    shutil.rmtree(runs, ignore_errors=True)
+    os.makedirs(runs)
+    cmd = [cli, "export", image, "html", "--data", data]
     env_note = "QT_QPA_PLATFORM=%s" % os.environ.get("QT_QPA_PLATFORM", "(unset: offscreen)")
-    export_once(cmd, pages)  # warm
-    files = inventory(pages)
+    export_once(cmd, os.path.join(runs, "pages-warm"))
+    files = inventory(os.path.join(runs, "pages-warm"))
     total = sum(s for _, s in files)
-    write_same(files, same)  # warm
+    write_same(files, os.path.join(runs, "same-warm"))
     export_times, fs_times = [], []
-    for _ in range(args.repeat):
-        export_times.append(export_once(cmd, pages))
-        fs_times.append(write_same(files, same))
+    for i in range(args.repeat):
+        # The two sides take turns at going first.
+        if i % 2 == 0:
+            export_times.append(export_once(cmd, os.path.join(runs, "pages-%d" % i)))
+        fs_times.append(write_same(files, os.path.join(runs, "same-%d" % i)))
+        if i % 2 == 1:
+            export_times.append(export_once(cmd, os.path.join(runs, "pages-%d" % i)))
     print("records %d, repeat %d (median), load average %.2f, %d cores, %s, %s" % (
         args.records, args.repeat, os.getloadavg()[0], os.cpu_count(), env_note, time.strftime("%Y-%m-%d %H:%M")))
     print("files %d, %.1f MB" % (len(files), total / 1e6))
@@ -96,8 +104,7 @@ def main():
     print("%-34s %8.3f s   (runs: %s)" % ("export html (whole process)", e, ", ".join("%.3f" % t for t in export_times)))
     print("%-34s %8.3f s   (runs: %s)" % ("same files, os.open/write/close", f, ", ".join("%.3f" % t for t in fs_times)))
     print("ratio export / file system: %.2f" % (e / f))
-    shutil.rmtree(pages, ignore_errors=True)
-    shutil.rmtree(same, ignore_errors=True)
+    shutil.rmtree(runs, ignore_errors=True)
 
 
 if __name__ == "__main__":

@@ -60,9 +60,15 @@ QString HtmlText::ColorToHex(int32_t color)
     if (color < 0)
         v = systemColor(v & 0xFFu);
     v &= 0xFFFFFFu;
-    // The number's six hex digits read BBGGRR; the page wants RR GG BB.
-    const QString digits = QStringLiteral("%1").arg(v, 6, 16, QLatin1Char('0')).toUpper();
-    return QLatin1Char('#') + digits.mid(4, 2) + digits.mid(2, 2) + digits.left(2);
+    // The number's bytes read BB GG RR from the top; the page wants RR GG BB.
+    static const char hex[] = "0123456789ABCDEF";
+    char text[7] = {'#'};
+    for (int i = 0; i < 3; ++i) {
+        const uint32_t byte = (v >> (8 * i)) & 0xFFu;
+        text[1 + 2 * i] = hex[byte >> 4];
+        text[2 + 2 * i] = hex[byte & 0xFu];
+    }
+    return QString::fromLatin1(text, 7);
 }
 
 QString HtmlText::CentreScript(int width)

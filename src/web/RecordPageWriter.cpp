@@ -63,45 +63,30 @@ QString RecordPageWriter::pageFile(int record, int k) const
     return num(record) + letter + QStringLiteral(".htm");
 }
 
-const QFontMetricsF &RecordPageWriter::metricsFor(const QString &family, double points, bool bold, bool italic, bool underline)
+const TextWidths &RecordPageWriter::metricsFor(const QString &family, double points, bool bold, bool italic, bool underline)
 {
-    const QString name = family.isEmpty() ? design_.AppFontName : family;
-    const QString key = name + QLatin1Char('|') + QString::number(points) + QLatin1Char(bold ? 'b' : '-') +
-                        QLatin1Char(italic ? 'i' : '-') + QLatin1Char(underline ? 'u' : '-');
-    auto it = metrics_.find(key);
-    if (it == metrics_.end()) {
-        QFont font(name);
-        if (points > 0)
-            font.setPointSizeF(points);
-        font.setBold(bold);
-        font.setItalic(italic);
-        font.setUnderline(underline);
-        // Measured for a 96 dpi device, the unit the pages are written in.
-        static const QImage device = [] {
-            QImage image(1, 1, QImage::Format_RGB32);
-            image.setDotsPerMeterX(3780);
-            image.setDotsPerMeterY(3780);
-            return image;
-        }();
-        it = metrics_.insert(key, std::make_shared<QFontMetricsF>(font, &device));
+    const QString &name = family.isEmpty() ? design_.AppFontName : family;
+    // A design uses a handful of fonts: they are looked for one by one.
+    const int style = (bold ? 1 : 0) | (italic ? 2 : 0) | (underline ? 4 : 0);
+    for (const FontWidths &known : metrics_) {
+        if (known.points == points && known.style == style && known.family == name)
+            return *known.widths;
     }
-    return **it;
-}
-
-QString RecordPageWriter::fitText(const QString &text, const QFontMetricsF &metrics, double width)
-{
-    if (metrics.horizontalAdvance(text) <= width)
-        return text;
-    // Widths grow with each character added: the longest start that fits is found by halving.
-    qsizetype lo = 0, hi = text.size() - 1;
-    while (lo < hi) {
-        const qsizetype mid = (lo + hi + 1) / 2;
-        if (metrics.horizontalAdvance(text.left(mid)) <= width)
-            lo = mid;
-        else
-            hi = mid - 1;
-    }
-    return text.left(lo);
+    QFont font(name);
+    if (points > 0)
+        font.setPointSizeF(points);
+    font.setBold(bold);
+    font.setItalic(italic);
+    font.setUnderline(underline);
+    // Measured for a 96 dpi device, the unit the pages are written in.
+    static const QImage device = [] {
+        QImage image(1, 1, QImage::Format_RGB32);
+        image.setDotsPerMeterX(3780);
+        image.setDotsPerMeterY(3780);
+        return image;
+    }();
+    metrics_.push_back(FontWidths{name, points, style, std::make_unique<TextWidths>(font, &device)});
+    return *metrics_.back().widths;
 }
 
 void RecordPageWriter::measureHeights(const Page &page)
@@ -126,7 +111,7 @@ void RecordPageWriter::measureHeights(const Page &page)
     for (size_t i = 2; i < d.Titles.size(); ++i)
         if (d.Titles[i].present) {
             const TitleElement &t = d.Titles[i];
-            const QFontMetricsF &m = metricsFor(t.FontName, t.FontSize, t.FontBold, t.FontItalic);
+            const TextWidths &m = metricsFor(t.FontName, t.FontSize, t.FontBold, t.FontItalic);
             keepPx(t.TitlePage, HtmlText::px(t.Top), int(std::ceil(m.height())));
         }
     for (const FlowLabel &l : page.FlowLabels)
@@ -249,10 +234,10 @@ void RecordPageWriter::writeTabs(QString &out, int record, int k) const
         text += QStringLiteral("<a href=\"") + HtmlText::HtmlEscape(pageFile(record, t)) + QStringLiteral("\"><img src=\"") +
                 (t == k ? QStringLiteral("button2.gif") : QStringLiteral("button.gif")) + QStringLiteral("\" style=\"Left:") +
                 num(tabLeft[t]) + QStringLiteral("px; POSITION:absolute; Top:0px;\" border=\"0\"></a>");
-    const QFontMetricsF &m = const_cast<RecordPageWriter *>(this)->metricsFor(QStringLiteral("Arial"), 8.25, false, false);
+    const TextWidths &m = const_cast<RecordPageWriter *>(this)->metricsFor(QStringLiteral("Arial"), 8.25, false, false);
     for (int t = 0; t <= pages; ++t) {
         const QString caption = design_.PageCaptions[size_t(t)];
-        const int x = int((61 - m.horizontalAdvance(caption)) / 2) + captionLeft[t];
+        const int x = int((61 - m.width(caption)) / 2) + captionLeft[t];
         text += QStringLiteral("<div><u><font face=\"Arial\"><Font color=\"#0000FF\"><a style=\"Font-Size:11px; POSITION:absolute; Left:") +
                 num(x) + QStringLiteral("px; Top:0px;\" href=\"") + HtmlText::HtmlEscape(pageFile(record, t)) + QStringLiteral("\">") +
                 HtmlText::HtmlEscape(caption) + QStringLiteral("</a></font></u></div>");
@@ -364,7 +349,7 @@ namespace {
 
 // The common part of a label's div: alignment, font, colour and place. `text` holds the caption's
 // lines; the box is as wide as the widest line and as high as the lines.
-QString labelDiv(const QString &font, double points, int32_t color, int alignment, int left, int top, const QFontMetricsF &m,
+QString labelDiv(const QString &font, double points, int32_t color, int alignment, int left, int top, const TextWidths &m,
                  const QString &text)
 {
     int shift = 0;
@@ -379,7 +364,7 @@ QString labelDiv(const QString &font, double points, int32_t color, int alignmen
     const QStringList lines = text.split(QStringLiteral("\r\n"));
     double width = 0;
     for (const QString &line : lines)
-        width = qMax(width, m.horizontalAdvance(line));
+        width = qMax(width, m.width(line));
     const int height = int(std::ceil(m.height() * double(lines.size())));
     return QStringLiteral("<div Align=\"") + align + QStringLiteral("\" style=\"font-family:") + HtmlText::HtmlEscape(font) +
            QStringLiteral("; Font-Size:") + HtmlText::fontPx(points) + QStringLiteral("px; color:") + HtmlText::ColorToHex(color) +
@@ -420,7 +405,7 @@ void RecordPageWriter::writeLabels(QString &out, int k, int record, const Page &
         if (caption.isEmpty())
             continue;
         const QString font = t.FontName.isEmpty() ? design_.AppFontName : t.FontName;
-        const QFontMetricsF &m = metricsFor(font, t.FontSize, t.FontBold, t.FontItalic, t.FontUnderline);
+        const TextWidths &m = metricsFor(font, t.FontSize, t.FontBold, t.FontItalic, t.FontUnderline);
         out += labelDiv(font, t.FontSize, t.ForeColor, t.Alignment, HtmlText::px(t.Left), HtmlText::px(t.Top) + offset_, m, caption);
         if (!formMode) {
             // The caption picks a navigation link; a label whose link text is one of the navigation
@@ -446,7 +431,7 @@ void RecordPageWriter::writeFlowLabels(QString &out, int k, const Page &page)
         if (!onPage(l.page, k) || l.text.isEmpty())
             continue;
         const bool bold = l.style % 10 != 0, italic = (l.style / 10) % 10 != 0, underline = (l.style / 100) % 10 != 0;
-        const QFontMetricsF &m = metricsFor(design_.AppFontName, l.fontSize, bold, italic, underline);
+        const TextWidths &m = metricsFor(design_.AppFontName, l.fontSize, bold, italic, underline);
         out += labelDiv(design_.AppFontName, l.fontSize, l.color, l.alignment, HtmlText::px(l.left), HtmlText::px(l.top) + offset_,
                         m, l.text) +
                QLatin1Char('>') + styled(HtmlText::HtmlEscape(l.text), bold, italic, underline) + QStringLiteral("</div>") + kCrLf;
@@ -521,9 +506,9 @@ void RecordPageWriter::writeFields(QString &out, int k, bool formMode, const Pag
         const QString text = qsizetype(i) < page.FieldText.size() ? page.FieldText[qsizetype(i)] : QString();
         if (text.isEmpty())
             continue;
-        const QFontMetricsF &m = metricsFor(font, f.FontSize, f.FontBold, f.FontItalic);
-        const QString fitted = fitText(text, m, width);
-        out += valueDiv(font, f.FontSize, f.ForeColor, QString(), left, top, width, 0, f.Alignment, m.horizontalAdvance(fitted),
+        const TextWidths &m = metricsFor(font, f.FontSize, f.FontBold, f.FontItalic);
+        const QString fitted = m.fit(text, width);
+        out += valueDiv(font, f.FontSize, f.ForeColor, QString(), left, top, width, 0, f.Alignment, m.width(fitted),
                         f.FontBold, f.FontItalic, HtmlText::HtmlEscape(fitted), int(i) == design_.MailAddressField);
     }
 }
@@ -535,7 +520,7 @@ void RecordPageWriter::writeCombos(QString &out, int k, bool formMode, const Pag
         if (!onPage(c.ComboPage, k))
             continue;
         const QString font = c.FontName.isEmpty() ? design_.AppFontName : c.FontName;
-        const QFontMetricsF &m = metricsFor(font, c.FontSize, c.FontBold, c.FontItalic);
+        const TextWidths &m = metricsFor(font, c.FontSize, c.FontBold, c.FontItalic);
         const int left = HtmlText::px(c.Left), top = HtmlText::px(c.Top) + offset_, width = HtmlText::px(c.Width);
         if (formMode) {
             const int height = int(std::ceil(m.height())) + 8;
@@ -557,9 +542,9 @@ void RecordPageWriter::writeCombos(QString &out, int k, bool formMode, const Pag
         if (text.isEmpty())
             continue;
         const int inset = c.ComboFormat == 0 ? 4 : 2;
-        const QString fitted = fitText(text, m, width);
+        const QString fitted = m.fit(text, width);
         out += valueDiv(font, c.FontSize, c.ForeColor, HtmlText::ColorToHex(c.BackColor), left, top, width, inset, 0,
-                        m.horizontalAdvance(fitted), c.FontBold, c.FontItalic, HtmlText::HtmlEscape(fitted), false);
+                        m.width(fitted), c.FontBold, c.FontItalic, HtmlText::HtmlEscape(fitted), false);
     }
 }
 

@@ -17,8 +17,8 @@
 #include "core/Result.h"
 #include "design/Page.h"
 #include "formula/FormulaContext.h"
+#include "web/TextWidths.h"
 
-#include <QFontMetricsF>
 #include <QHash>
 #include <QString>
 #include <array>
@@ -49,10 +49,6 @@ public:
     // The file name of page `k` of `record` in record mode.
     QString pageFile(int record, int k) const;
 
-    // Text cut to what fits `width` pixels in `metrics`: the longest start whose width stays at or
-    // below the width.
-    static QString fitText(const QString &text, const QFontMetricsF &metrics, double width);
-
 private:
     static constexpr int kFirstPicture = 50;
     void measureHeights(const Page &page);
@@ -69,7 +65,7 @@ private:
     void writeNotes(QString &out, int k, bool formMode, const Page &page) const;
     void writeChecks(QString &out, int k, const Page &page) const;
     QString labelLink(const QString &caption, int record) const;
-    const QFontMetricsF &metricsFor(const QString &family, double points, bool bold, bool italic, bool underline = false);
+    const TextWidths &metricsFor(const QString &family, double points, bool bold, bool italic, bool underline = false);
     Status writeFile(const QString &path, const QString &text) const;
 
     const Design &design_;
@@ -81,7 +77,13 @@ private:
     int offset_ = 0;
     std::array<int, 5> heights_{};
     std::array<bool, 14> checkWritten_{};
-    QHash<QString, std::shared_ptr<QFontMetricsF>> metrics_;
+    struct FontWidths {
+        QString family;
+        double points;
+        int style; // 1 bold, 2 italic, 4 underline
+        std::unique_ptr<TextWidths> widths;
+    };
+    std::vector<FontWidths> metrics_;
 
 public:
     int PictureCounter = kFirstPicture;

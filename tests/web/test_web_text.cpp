@@ -6,6 +6,7 @@
 #include "web/PagePictures.h"
 #include "web/PhpSiteWriter.h"
 #include "web/RecordPageWriter.h"
+#include "web/TextWidths.h"
 
 #include <QFont>
 #include <QGuiApplication>
@@ -121,22 +122,31 @@ TEST(PagePictures, CheckPairsAndPictures)
     EXPECT_NE(plain, shown);
 }
 
-TEST(RecordPageWriter, FitsTextToTheLastCharacterThatFits)
+TEST(TextWidths, CharactersSideBySideAndTheLastThatFits)
 {
     QFont font(QStringLiteral("DejaVu Sans"));
     font.setPointSize(9);
-    const QFontMetricsF m(font);
-    const QString text = QStringLiteral("Moreau Optics and Lenses, Paris");
-    const double full = m.horizontalAdvance(text);
+    const QImage device(1, 1, QImage::Format_RGB32);
+    const TextWidths m(font, &device);
+    // A text is as wide as its characters side by side, each measured on its own.
+    const QString text = QStringLiteral("Moreau Optics and Lenses, Paris \u00e9\u4e2d\U0001F600");
+    double sum = 0;
+    for (const uint c : text.toUcs4())
+        sum += m.width(QString::fromUcs4(reinterpret_cast<const char32_t *>(&c), 1));
+    EXPECT_NEAR(m.width(text), sum, 1e-9);
+    EXPECT_GT(m.width(QStringLiteral("W")), m.width(QStringLiteral("i")));
+    const double full = m.width(text);
     for (const double width : {0.0, 1.0, full / 3, full / 2, full - 0.5, full, full + 10}) {
-        const QString fitted = RecordPageWriter::fitText(text, m, width);
+        const QString fitted = m.fit(text, width);
         EXPECT_TRUE(text.startsWith(fitted));
-        EXPECT_LE(m.horizontalAdvance(fitted), width) << width;
+        EXPECT_LE(m.width(fitted), width) << width;
+        EXPECT_FALSE(fitted.endsWith(QChar(0xD83D))) << width; // never half a character
         if (fitted.size() < text.size()) { // one character more would not fit
-            EXPECT_GT(m.horizontalAdvance(text.left(fitted.size() + 1)), width) << width;
+            const qsizetype next = text[fitted.size()].isHighSurrogate() ? 2 : 1;
+            EXPECT_GT(m.width(text.left(fitted.size() + next)), width) << width;
         }
     }
-    EXPECT_EQ(RecordPageWriter::fitText(text, m, full), text);
+    EXPECT_EQ(m.fit(text, full), text);
 }
 
 TEST(PhpSiteWriter, NamesStayInsideTheirStrings)
