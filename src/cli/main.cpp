@@ -4,6 +4,7 @@
 #include "design/WorkingLocale.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QGuiApplication>
 
@@ -11,15 +12,30 @@
 #include <cstring>
 #include <memory>
 
+#include <unistd.h>
+
 int main(int argc, char **argv)
 {
-    // The export verb draws pages and measures text for the web pages: that needs Qt Gui's fonts
-    // and pictures, so it gets a QGuiApplication, on the offscreen platform unless one is named,
-    // because a command line tool must run without a display. The other verbs keep the lighter
-    // core application and its quicker start.
-    const bool drawing = argc > 1 && std::strcmp(argv[1], "export") == 0;
+    // The web kinds of the export verb draw pages and measure text: that needs Qt Gui's fonts and
+    // pictures, so they get a QGuiApplication, on the offscreen platform unless one is named,
+    // because a command line tool must run without a display. Everything else keeps the lighter
+    // core application and its quicker start. (An argument that merely looks like a web kind
+    // costs only that start.)
+    bool drawing = false;
+    if (argc > 1 && std::strcmp(argv[1], "export") == 0) {
+        for (int i = 2; i < argc; ++i)
+            drawing = drawing || std::strcmp(argv[i], "html") == 0 || std::strcmp(argv[i], "htm") == 0
+                      || std::strcmp(argv[i], "php") == 0;
+    }
     if (drawing && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (drawing && qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+        // The folder Qt would fall back to, without its warning on every run.
+        const QByteArray runtime = QDir::tempPath().toLocal8Bit() + "/runtime-" + QByteArray::number(getuid());
+        if (QDir().mkpath(QString::fromLocal8Bit(runtime)))
+            QFile::setPermissions(QString::fromLocal8Bit(runtime), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        qputenv("XDG_RUNTIME_DIR", runtime);
+    }
     const std::unique_ptr<QCoreApplication> application =
         drawing ? std::make_unique<QGuiApplication>(argc, argv) : std::make_unique<QCoreApplication>(argc, argv);
     QCoreApplication &app = *application;

@@ -592,11 +592,9 @@ void RecordPageWriter::writeChecks(QString &out, int k, const Page &page) const
 
 Status RecordPageWriter::writeFile(const QString &path, const QString &text) const
 {
-    QFile file(path);
-    const QByteArray bytes = codePage_.encode(text);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(bytes) != bytes.size())
-        return makeError(ErrorCode::PathError, QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
-    return {};
+    if (files_)
+        return files_->write(path, codePage_.encode(text));
+    return FileWriter::writeNow(path, codePage_.encode(text));
 }
 
 } // namespace ff::web

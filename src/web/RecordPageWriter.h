@@ -17,6 +17,7 @@
 #include "core/Result.h"
 #include "design/Page.h"
 #include "formula/FormulaContext.h"
+#include "web/FileWriter.h"
 #include "web/TextWidths.h"
 
 #include <QHash>
@@ -40,6 +41,8 @@ public:
     void setTarget(const QString &exportFolder, const QString &exportName, bool currentRecordNames);
     // The last record, for the navigation links.
     void setRecordCount(int count) { recordCount_ = count; }
+    // Pages go to `files` to be written on its thread; without one they are written at once.
+    void setFileWriter(FileWriter *files) { files_ = files; }
 
     Status WriteRecordPages(int &argument, const Page &page, const FormulaContext &context);
 
@@ -74,6 +77,7 @@ private:
     QString folder_, exportName_;
     bool currentRecordNames_ = false;
     int recordCount_ = 0;
+    FileWriter *files_ = nullptr;
     int offset_ = 0;
     std::array<int, 5> heights_{};
     std::array<bool, 14> checkWritten_{};

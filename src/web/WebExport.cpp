@@ -103,6 +103,8 @@ Result<ExportOutcome> WebExport::writePages(ExportKind kind, const ExportRange &
     RecordPageWriter writer(design, pictureFolder_, source.recordPictureFolder);
     writer.setTarget(exportFolder, name + QStringLiteral(".htm"), kind == ExportKind::HtmlCurrent);
     writer.setRecordCount(store_.RecordCount());
+    FileWriter pageFiles;
+    writer.setFileWriter(&pageFiles);
     ExportRecordReader reader(source, ExportRecordReader::Mode::Page,
                               range.order() == BrowseOrder::FileOrder ? ExportRecordReader::Access::InOrder
                                                                       : ExportRecordReader::Access::Jumping);
@@ -118,8 +120,12 @@ Result<ExportOutcome> WebExport::writePages(ExportKind kind, const ExportRange &
         ++outcome.records;
         return {};
     });
+    // Every page handed over is written (or the first that failed is known) before the outcome.
+    const Status written = pageFiles.finish();
     if (!end)
         return end.error();
+    if (!written)
+        return written.error();
     outcome.stopped = end->stopped;
     outcome.pictures = writer.picturesWritten();
 

@@ -16,6 +16,7 @@ Parts that need php or chromium are skipped with a message when the program is m
 import json
 import os
 import pathlib
+import re
 import shutil
 import socket
 import subprocess
@@ -117,6 +118,25 @@ def main():
         check('href="1.htm"><b>&lt;</b>' in first, "record 1's back link goes to 1.htm")
         last = (pages / ("%d.htm" % hostile)).read_bytes().decode("cp1252")
         check('href="%d.htm"><b>&gt;</b>' % hostile in last, "the last record's forward link is itself")
+
+        # Kind 4: the record on screen alone, named by the export; a range of kind 1; bad input.
+        done = run(cli, "export", image, "htm", str(out / "card.htm"), "--record", "2")
+        check(done.returncode == 0, "htm export: %s" % done.stderr)
+        card = set(os.listdir(out / "card"))
+        check({"card.htm", "bcard.htm"} <= card and not any(n[0].isdigit() for n in card),
+              "kind 4 writes the pages of its record alone: %s" % sorted(card))
+        second = re.search(r"<firstname>(.*?)</firstname>", record_xml(cli, image, 2)).group(1)
+        check(second and second.encode("cp1252") in (out / "card" / "card.htm").read_bytes(),
+              "kind 4 shows record 2 (%s)" % second)
+        done = run(cli, "export", image, "html", str(out / "part.htm"), "--from", "3", "--to", "4")
+        check(done.returncode == 0, "html export of a range: %s" % done.stderr)
+        check(sorted(n for n in os.listdir(out / "part") if n.endswith(".htm")) == ["3.htm", "3b.htm", "4.htm", "4b.htm"],
+              "a range writes the pages of its records: %s" % sorted(os.listdir(out / "part")))
+        for args, message in ((["htm", str(out / "x.htm"), "--record", str(hostile + 1)], "no record"),
+                              (["html", str(tmp / "nowhere" / "x.htm")], "no folder")):
+            done = run(cli, "export", image, *args)
+            check(done.returncode != 0 and message in done.stderr.decode(), "%s: %r" % (message, done.stderr))
+        check(not (out / "x").exists() and not (tmp / "nowhere").exists(), "refused exports write nothing")
 
         if have_chromium:
             dom = run("chromium", "--headless", "--no-sandbox", "--disable-gpu", "--dump-dom",
