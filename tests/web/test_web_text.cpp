@@ -1,6 +1,7 @@
 // The texts and pictures of the web pages: escaping, colours, the GIF files a browser reads, the
 // check picture pairs, text fitted to a width, and names inside the PHP scripts.
 
+#include "web/FileWriter.h"
 #include "web/GifWriter.h"
 #include "web/HtmlText.h"
 #include "web/PagePictures.h"
@@ -13,6 +14,9 @@
 #include <QImage>
 #include <QPainter>
 #include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QDir>
+#include <QFile>
 
 #include <gtest/gtest.h>
 
@@ -147,6 +151,37 @@ TEST(TextWidths, CharactersSideBySideAndTheLastThatFits)
         }
     }
     EXPECT_EQ(m.fit(text, full), text);
+}
+
+// Files are written in the order handed over; after one that cannot be written, none is, and the
+// error comes back from the next hand-over or from finish().
+TEST(FileWriter, WritesInOrderAndStopsAtTheFirstFailure)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    {
+        FileWriter files(2);
+        for (int i = 0; i < 50; ++i)
+            ASSERT_TRUE(files.write(dir.filePath(QStringLiteral("%1.htm").arg(i)), QByteArray(i, 'x')));
+        ASSERT_TRUE(files.finish());
+    }
+    for (int i = 0; i < 50; ++i) {
+        QFile f(dir.filePath(QStringLiteral("%1.htm").arg(i)));
+        ASSERT_TRUE(f.open(QIODevice::ReadOnly)) << i;
+        EXPECT_EQ(f.readAll(), QByteArray(i, 'x'));
+    }
+
+    FileWriter files(2);
+    EXPECT_TRUE(files.write(dir.filePath(QStringLiteral("a.htm")), "a"));
+    EXPECT_TRUE(files.write(dir.filePath(QStringLiteral("no/such/folder/b.htm")), "b"));
+    bool refused = false;
+    for (int i = 0; i < 20 && !refused; ++i)
+        refused = !files.write(dir.filePath(QStringLiteral("after%1.htm").arg(i)), "c");
+    const ff::Status end = files.finish();
+    ASSERT_FALSE(end);
+    EXPECT_TRUE(end.error().text.contains(QLatin1String("b.htm"))) << end.error().text.toStdString();
+    EXPECT_TRUE(QFile::exists(dir.filePath(QStringLiteral("a.htm"))));
+    EXPECT_TRUE(QDir(dir.path()).entryList({QStringLiteral("after*")}).isEmpty());
 }
 
 TEST(PhpSiteWriter, NamesStayInsideTheirStrings)
