@@ -40,18 +40,6 @@ void setColors(QWidget *w, int32_t fore, int32_t back, bool paintBack = true)
     w->setPalette(pal);
 }
 
-Qt::PenStyle penStyleOf(int16_t borderStyle)
-{
-    switch (borderStyle) {
-    case 0: return Qt::NoPen;
-    case 2: return Qt::DashLine;
-    case 3: return Qt::DotLine;
-    case 4: return Qt::DashDotLine;
-    case 5: return Qt::DashDotDotLine;
-    default: return Qt::SolidLine;
-    }
-}
-
 } // namespace
 
 PageCanvas::PageCanvas(const Design &design, const QString &pictureFolder, QWidget *parent)

@@ -24,18 +24,4 @@ QColor colorFromLong(int32_t value, const QColor &systemFallback)
     return QColor(v & 0xFF, (v >> 8) & 0xFF, (v >> 16) & 0xFF);
 }
 
-Qt::BrushStyle brushStyleOf(int16_t fillStyle)
-{
-    switch (fillStyle) {
-    case 0: return Qt::SolidPattern;
-    case 2: return Qt::HorPattern;
-    case 3: return Qt::VerPattern;
-    case 4: return Qt::FDiagPattern;
-    case 5: return Qt::BDiagPattern;
-    case 6: return Qt::CrossPattern;
-    case 7: return Qt::DiagCrossPattern;
-    default: return Qt::NoBrush;
-    }
-}
-
 } // namespace ff::gui

@@ -3,6 +3,8 @@
 // with the high bit set for a system colour); fills are style numbers. These helpers turn them into
 // what Qt draws with.
 
+#include "design/DrawStyles.h"
+
 #include <QColor>
 #include <QRect>
 #include <QWidget>
@@ -22,9 +24,5 @@ inline QRect twipsRect(double left, double top, double width, double height, dou
 }
 
 QColor colorFromLong(int32_t value, const QColor &systemFallback = QColor());
-
-// A fill style number as a brush pattern: 0 solid, 1 transparent, 2 horizontal lines, 3 vertical
-// lines, 4 and 5 diagonals, 6 cross, 7 diagonal cross; other numbers are transparent.
-Qt::BrushStyle brushStyleOf(int16_t fillStyle);
 
 } // namespace ff::gui

@@ -1,5 +1,7 @@
 #include "web/PageBackground.h"
 
+#include "design/DrawStyles.h"
+
 #include "pdfmail/JpegEncoder.h"
 #include "web/HtmlText.h"
 
@@ -15,32 +17,6 @@ QColor colorOf(int32_t value)
 {
     const QString hex = HtmlText::ColorToHex(value);
     return QColor(hex);
-}
-
-Qt::BrushStyle brushOf(int16_t fillStyle)
-{
-    switch (fillStyle) {
-    case 0: return Qt::SolidPattern;
-    case 2: return Qt::HorPattern;
-    case 3: return Qt::VerPattern;
-    case 4: return Qt::FDiagPattern;
-    case 5: return Qt::BDiagPattern;
-    case 6: return Qt::CrossPattern;
-    case 7: return Qt::DiagCrossPattern;
-    default: return Qt::NoBrush;
-    }
-}
-
-Qt::PenStyle penOf(int16_t borderStyle)
-{
-    switch (borderStyle) {
-    case 0: return Qt::NoPen;
-    case 2: return Qt::DashLine;
-    case 3: return Qt::DotLine;
-    case 4: return Qt::DashDotLine;
-    case 5: return Qt::DashDotDotLine;
-    default: return Qt::SolidLine;
-    }
 }
 
 QRect rectOf(double left, double top, double width, double height)
@@ -80,9 +56,9 @@ QImage PageBackground::render(int page) const
             const double side = qMin(r.width(), r.height());
             r = QRectF(r.center().x() - side / 2, r.center().y() - side / 2, side, side);
         }
-        const QPen pen(colorOf(s.BorderColor), qMax<int32_t>(1, s.BorderWidth), penOf(s.BorderStyle));
+        const QPen pen(colorOf(s.BorderColor), qMax<int32_t>(1, s.BorderWidth), penStyleOf(s.BorderStyle));
         p.setPen(pen);
-        p.setBrush(QBrush(colorOf(s.FillColor), brushOf(s.FillStyle)));
+        p.setBrush(QBrush(colorOf(s.FillColor), brushStyleOf(s.FillStyle)));
         const double inset = pen.widthF() / 2;
         r.adjust(inset, inset, -inset, -inset);
         if (s.Shape == 2 || s.Shape == 3)
