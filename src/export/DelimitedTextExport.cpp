@@ -1,7 +1,6 @@
 #include "export/DelimitedTextExport.h"
 
 #include "export/ExportKinds.h"
-#include "export/FieldTextFormatter.h"
 
 #include <QDir>
 #include <QFile>
@@ -204,7 +203,8 @@ Result<ExportOutcome> DelimitedTextExport::run(const ExportRange &range, const Q
     FormulaContext context = source_.context;
     context.host = nullptr;
     EngineFormulaHooks hooks(context);
-    const FieldTextFormatter formatter(source_.design, hooks, source_.codePage, source_.decimalSeparator);
+    const RecordCodec codec(source_.design, source_.layout, hooks, source_.decimalSeparator);
+    const std::unique_ptr<StoredValueText> values = storedValueText(source_, codec);
     const QString pictureFolder = QDir(QFileInfo(path).absolutePath()).filePath(QStringLiteral("Pictures"));
 
     // Thread w makes chunks w, w + threads, ...: the calling thread (w 0) makes its own and writes
@@ -217,7 +217,7 @@ Result<ExportOutcome> DelimitedTextExport::run(const ExportRange &range, const Q
     std::vector<Lane> lanes(static_cast<size_t>(threads));
     std::atomic<bool> quit{false};
     const auto work = [&](int w) {
-        ExportRecordReader reader(source_, mode, access, &formatter);
+        ExportRecordReader reader(source_, mode, access, values.get());
         Lane &lane = lanes[size_t(w)];
         for (int c = w; c < chunks && !quit.load(); c += threads) {
             Chunk chunk;
@@ -232,7 +232,7 @@ Result<ExportOutcome> DelimitedTextExport::run(const ExportRange &range, const Q
     std::vector<std::thread> helpers;
     for (int w = 1; w < threads; ++w)
         helpers.emplace_back(work, w);
-    ExportRecordReader ownReader(source_, mode, access, &formatter);
+    ExportRecordReader ownReader(source_, mode, access, values.get());
 
     Status failure;
     bool picturesFolderMade = false;

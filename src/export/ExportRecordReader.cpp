@@ -1,6 +1,7 @@
 #include "export/ExportRecordReader.h"
 
 #include "core/Scramble.h"
+#include "formula/FieldFormat.h"
 
 #include <cstring>
 
@@ -14,6 +15,15 @@ ExportSource::ExportSource(RecordStore &store, const FormulaContext &formulaCont
     for (size_t i = 1; i < design.Fields.size(); ++i)
         if (!design.Fields[i].FieldFormula.isEmpty())
             formulas = true;
+}
+
+std::unique_ptr<StoredValueText> storedValueText(const ExportSource &source, const RecordCodec &codec)
+{
+    std::vector<int> fields;
+    for (size_t i = 1; i < source.design.Fields.size(); ++i)
+        fields.push_back(int(i));
+    return std::make_unique<StoredValueText>(source.design, codec, fields,
+                                             StoredValueText::DateForms(source.context.locale, &DatePattern));
 }
 
 namespace {
@@ -44,11 +54,11 @@ bool givesBytesBack(const CodePage &codePage)
 } // namespace
 
 ExportRecordReader::ExportRecordReader(const ExportSource &source, Mode mode, Access access,
-                                       const FieldTextFormatter *formatter)
+                                       const StoredValueText *values)
     : source_(source), context_(source.context), hooks_(context_),
       scanner_(source.file, source.recordCount, source.design.ScrambleRecords == 1),
       access_(access == Access::InOrder ? RecordScanner::Access::Forward : RecordScanner::Access::Random),
-      formatter_(formatter)
+      values_(values)
 {
     // Formulas that run during an export show no messages: there would be one for each record.
     context_.host = nullptr;
@@ -57,9 +67,9 @@ ExportRecordReader::ExportRecordReader(const ExportSource &source, Mode mode, Ac
     copyValues(source.livePage, *page_);
     valueMode_ = mode == Mode::Values && !source.formulas;
     if (valueMode_) {
-        if (!formatter_) {
-            ownFormatter_ = std::make_unique<FieldTextFormatter>(source.design, hooks_, source.codePage, source.decimalSeparator);
-            formatter_ = ownFormatter_.get();
+        if (!values_) {
+            ownValues_ = storedValueText(source, *codec_);
+            values_ = ownValues_.get();
         }
         textsAsStored_ = givesBytesBack(source.codePage);
     }
@@ -122,16 +132,10 @@ void ExportRecordReader::appendValue(const ExportColumn &column, std::string &ou
             return;
         }
         const int type = source_.design.Fields[i].FieldType;
-        const uint8_t *slot = plain_ + at - 1;
-        if (type >= 1 && type <= 5) {
-            formatter_->appendNumber(column.index, slot, out, hooks_);
-        } else if (type >= 6 && type <= 9) {
-            int64_t stored;
-            std::memcpy(&stored, slot, 8);
-            dates_.append(source_.design, hooks_, source_.codePage, column.index, stored, out);
-        } else {
-            appendStoredText(slot, layout.FieldSize[i], out);
-        }
+        if (type >= 1 && type <= 9)
+            values_->append(column.index, plain_, out, *codec_, dates_);
+        else
+            appendStoredText(plain_ + at - 1, layout.FieldSize[i], out);
         return;
     }
     case ElementKind::Combo:

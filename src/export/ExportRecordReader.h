@@ -7,7 +7,7 @@
 // formulas run (UnpackRecord), so that derived fields show their computed values, and values are
 // read from the page. Value mode gives the same texts straight from the stored bytes when the
 // design has no formula at all (then the page would only repeat the stored values): texts as
-// stored, numbers through FieldTextFormatter, dates through the hooks once per distinct date.
+// stored, numbers and dates through StoredValueText.
 // Elements without bytes in the record (global fields, elements on no page) show what the page
 // on screen shows, in both modes.
 
@@ -16,11 +16,11 @@
 #include "design/Page.h"
 #include "entry/EngineFormulaHooks.h"
 #include "export/ExportColumns.h"
-#include "export/FieldTextFormatter.h"
 #include "formula/FormulaContext.h"
 #include "search/RecordScanner.h"
 #include "store/RecordCodec.h"
 #include "store/RecordStore.h"
+#include "store/StoredValueText.h"
 
 #include <memory>
 #include <string>
@@ -45,13 +45,18 @@ struct ExportSource {
     bool formulas = false; // some text field has a formula
 };
 
+// The numbers and dates of the source's fields learned against `codec`, for the readers of one
+// export to share.
+std::unique_ptr<StoredValueText> storedValueText(const ExportSource &source, const RecordCodec &codec);
+
 class ExportRecordReader {
 public:
     enum class Mode { Values, Page };
     enum class Access { InOrder, Jumping };
 
-    // `formatter` serves Value mode and may be shared by the readers of one export.
-    ExportRecordReader(const ExportSource &source, Mode mode, Access access, const FieldTextFormatter *formatter = nullptr);
+    // `values` serves Value mode and may be shared by the readers of one export (see
+    // storedValueText()).
+    ExportRecordReader(const ExportSource &source, Mode mode, Access access, const StoredValueText *values = nullptr);
     ExportRecordReader(const ExportRecordReader &) = delete;
     ExportRecordReader &operator=(const ExportRecordReader &) = delete;
 
@@ -84,9 +89,9 @@ private:
     std::unique_ptr<Page> page_;
     RecordScanner scanner_;
     RecordScanner::Access access_;
-    const FieldTextFormatter *formatter_;
-    std::unique_ptr<FieldTextFormatter> ownFormatter_;
-    DateTextCache dates_;
+    const StoredValueText *values_;
+    std::unique_ptr<StoredValueText> ownValues_;
+    StoredValueText::DateTexts<std::string> dates_;
     bool valueMode_ = false;
     bool textsAsStored_ = false; // the code page gives every byte back as it was
     const uint8_t *plain_ = nullptr;

@@ -46,9 +46,11 @@ QStringList SearchEngine::makeRows(const QVector<int> &hits, RecordScanner::Acce
     const StoredBytes stored(scrambled);
     QStringList rows;
     rows.resize(hits.size());
+    // The columns' numbers and dates are learned once; each thread keeps its own date texts.
+    const ResultRowBuilder learned = rowBuilder(columns, count);
     auto make = [&](qsizetype begin, qsizetype end) {
         RecordScanner scanner(file_, recordCount_, scrambled);
-        ResultRowBuilder builder = rowBuilder(columns, count);
+        ResultRowBuilder builder = learned.twin();
         std::vector<uint8_t> plain(size_t(layout_.RecordLength));
         for (qsizetype k = begin; k < end; ++k) {
             const int number = hits[k];

@@ -6,7 +6,6 @@
 
 #include "export/DelimitedTextExport.h"
 #include "export/ExportKinds.h"
-#include "export/FieldTextFormatter.h"
 
 #include <QRandomGenerator>
 
@@ -201,11 +200,12 @@ TEST(ExportText, StoredValuesGiveThePagesTexts)
         records[4].qty = QStringLiteral("-2147483648");
         shop.write(records);
         const ExportSource source(shop.store, shop.context);
-        // The numbers of en_US are written without the hooks (else this test would prove nothing).
+        // The numbers and dates of en_US are written without the hooks (else this test would
+        // prove nothing).
         EngineFormulaHooks hooks(shop.context);
-        const FieldTextFormatter formatter(d, hooks, source.codePage, source.decimalSeparator);
-        for (const int type : {1, 2, 5})
-            EXPECT_TRUE(formatter.fast(type)) << type;
+        const RecordCodec codec(d, source.layout, hooks, source.decimalSeparator);
+        for (const int type : {1, 2, 5, 7})
+            EXPECT_TRUE(storedValueText(source, codec)->fast(type)) << type;
         DelimitedTextExport text(source, AllPagesAllowed());
         const ExportRange all = ExportRange::Records(1, int(records.size()), int(records.size()));
         ASSERT_TRUE(text.run(all, shop.dir.filePath(QStringLiteral("page.txt")), nullptr, 1, ExportRecordReader::Mode::Page));
