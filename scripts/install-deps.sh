@@ -10,6 +10,7 @@ PACKAGES=(
   xvfb xauth fonts-dejavu-core
   clang libclang-rt-14-dev
   chromium php-cli
+  poppler-utils qpdf
 )
 
 missing=()

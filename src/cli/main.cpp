@@ -16,12 +16,13 @@
 
 int main(int argc, char **argv)
 {
-    // The web kinds of the export verb draw pages and measure text: that needs Qt Gui's fonts and
+    // The print verb and the web kinds of the export verb draw pages and measure text: that needs Qt Gui's fonts and
     // pictures, so they get a QGuiApplication, on the offscreen platform unless one is named,
     // because a command line tool must run without a display. Everything else keeps the lighter
     // core application and its quicker start. (An argument that merely looks like a web kind
     // costs only that start.)
-    bool drawing = false;
+    // The print verb draws every time.
+    bool drawing = argc > 1 && std::strcmp(argv[1], "print") == 0;
     if (argc > 1 && std::strcmp(argv[1], "export") == 0) {
         for (int i = 2; i < argc; ++i)
             drawing = drawing || std::strcmp(argv[i], "html") == 0 || std::strcmp(argv[i], "htm") == 0

@@ -217,6 +217,9 @@ struct ReportDefinition {
     std::vector<ReportLine> Lines;       // indexes from 0
     std::vector<ReportPicture> Pictures; // indexes from 0
     std::vector<ReportLabel> Labels;     // labels 1..n stored at 0..n-1
+    // Set on load when the block broke off inside this report or behind it: what was read is kept,
+    // and the report engine refuses the report with a message instead of printing half of it.
+    bool Damaged = false;
 };
 
 struct HtmlStyle {

@@ -93,6 +93,10 @@ DesignLoad ReadDesignFromBytes(const QByteArray &image, const DesignReadOptions 
     load.extractedFiles = reader.extractedFiles();
     load.refusedFiles = reader.refusedFiles();
     load.embeddedFiles = reader.files();
+    // A block that breaks off once the reports have begun leaves the last report begun
+    // incomplete; the reports before it were read whole.
+    if (!load.complete() && !load.design.Reports.empty())
+        load.design.Reports.back().Damaged = true;
     DeriveDesignValues(load.design);
     return load;
 }
