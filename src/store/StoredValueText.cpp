@@ -396,7 +396,7 @@ void StoredValueText::learnNumbers(int type, int index, const RecordCodec &codec
                                     -12345, 99995, 99994, 999999, 1000000, 1234567, 125000, 1250000, 2147483647,
                                     -2147483647 - 1, 99999999999999, -99999999999999, 10000000000000};
     for (int digits = 1; digits <= 14; ++digits)
-        for (int k = 0; k < 24; ++k) {
+        for (int k = 0; k < 8; ++k) {
             const int64_t v = int64_t(next() % uint64_t(kPowers[std::min(digits, 10)] * kPowers[std::max(digits - 10, 0)]));
             samples.push_back((k & 1) ? -v : v);
         }

@@ -13,7 +13,7 @@
 //     kept (DateTexts).
 //
 // The page's own text is the record codec's (the formula hooks, then the ShowZeros rule). Before a
-// type is taken on, its texts in both forms are compared with the codec's over several hundred
+// type is taken on, its texts in both forms are compared with the codec's over a hundred and more
 // values of every size and sign (dates: every month and weekday over two centuries); a type whose
 // texts differ in any of them, and every value beyond the exact range of the fast way (a time of
 // day, a negative amount that rounds to zero, a float that is not finite), takes the codec's text.
