@@ -9,6 +9,7 @@
 #include "gui/SearchLineWindow.h"
 #include "gui/AboutWindow.h"
 #include "gui/ExportImportActions.h"
+#include "gui/PrintActions.h"
 #include "gui/FlowLayer.h"
 #include "gui/PageScrollBar.h"
 #include "gui/Twips.h"
@@ -26,6 +27,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QMenu>
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
@@ -169,6 +171,11 @@ void MainWindow::buildToolbar()
     exportImport_ = new ExportImportActions(*this);
     exportImport_->addFileCommands(menu);
     menu->addSeparator();
+    printing_ = new PrintActions(*this);
+    const QString printCaption = d.CaptionRun[2].isEmpty() ? tr("&Print") : d.CaptionRun[2];
+    QAction *printCommand = menu->addAction(printCaption + QStringLiteral("..."), this, [this] { printing_->printRecord(this); });
+    printCommand->setObjectName(QStringLiteral("printCommand"));
+    menu->addSeparator();
     if (UsersWindow::offeredTo(*db_)) {
         // Named as the users window is (row 10 of the caption run is the calculator icon's tool tip).
         const QString usersCaption = d.UiText[11].isEmpty() ? tr("&Users") : d.UiText[11];
@@ -179,6 +186,14 @@ void MainWindow::buildToolbar()
     }
     menu->addAction(tr("&Quit"), this, &QWidget::close);
     exportImport_->addEditCommands(menuBar());
+    // The report menu: one entry per report of the design that has a caption, counted from 1.
+    if (std::any_of(d.Reports.begin(), d.Reports.end(), [](const ReportDefinition &r) { return !r.Caption.isEmpty(); })) {
+        QMenu *reports = menuBar()->addMenu(tr("&Reports"));
+        reports->setObjectName(QStringLiteral("reportMenu"));
+        for (size_t i = 0; i < d.Reports.size(); ++i)
+            if (!d.Reports[i].Caption.isEmpty())
+                reports->addAction(d.Reports[i].Caption, this, [this, i] { printing_->openReport(int(i)); });
+    }
     bar->addAction(open);
     open->setToolTip(tipOf(openCaption));
     bar->addSeparator();

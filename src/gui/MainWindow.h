@@ -35,6 +35,7 @@ namespace ff::gui {
 
 class SearchLineWindow;
 class ExportImportActions;
+class PrintActions;
 class FlowLayer;
 class MainWindowHost;
 class FindReplaceWindow;
@@ -81,6 +82,8 @@ public:
 
     // Export, import, copy and paste of records.
     ExportImportActions &exportImport() { return *exportImport_; }
+    // Printing records and reports.
+    PrintActions &printing() { return *printing_; }
 
     // Opens (create false) or creates a data file by name, as the Open and Create commands do
     // after their file dialog.
@@ -138,6 +141,7 @@ private:
     SearchLineWindow *searchWindow_ = nullptr;
     FindReplaceWindow *replaceWindow_ = nullptr;
     ExportImportActions *exportImport_ = nullptr;
+    PrintActions *printing_ = nullptr;
     bool endingNow_ = false;
     bool loginRefused_ = false;
 };

@@ -3,6 +3,7 @@
 #include "gui/ExportImportActions.h"
 #include "gui/MainWindowHost.h"
 #include "gui/MainWindow.h"
+#include "gui/PrintActions.h"
 #include "gui/PickedFieldsFind.h"
 #include "gui/SearchSession.h"
 #include "gui/Twips.h"
@@ -12,6 +13,7 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMenu>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
@@ -168,9 +170,27 @@ ResultsWindow::ResultsWindow(MainWindow &main, Request request)
         const std::vector<int32_t> shown = list_->ImportReport();
         main_.exportImport().exportResultList(QVector<int>(shown.begin(), shown.end()), this);
     });
-    // Printing the list and its reports come with those features.
     reportButton_->setVisible(false);
-    printButton_->setVisible(false);
+    // Print: the rows' records page by page, or the list as any report of the design.
+    printButton_->setObjectName(QStringLiteral("printButton"));
+    printButton_->setVisible(main.design().ResultImage2Visible);
+    auto *printMenu = new QMenu(printButton_);
+    printMenu->addAction(tr("Records..."), this, [this] {
+        if (running_)
+            return;
+        const std::vector<int32_t> shown = list_->ImportReport();
+        main_.printing().printRows(QVector<int>(shown.begin(), shown.end()), this);
+    });
+    const Design &design = main.design();
+    for (size_t i = 0; i < design.Reports.size(); ++i)
+        if (!design.Reports[i].Caption.isEmpty())
+            printMenu->addAction(design.Reports[i].Caption, this, [this, i] {
+                if (running_)
+                    return;
+                const std::vector<int32_t> shown = list_->ImportReport();
+                main_.printing().openReportOfRows(int(i), QVector<int>(shown.begin(), shown.end()));
+            });
+    printButton_->setMenu(printMenu);
 
     auto *top = new QHBoxLayout;
     top->addWidget(lineBox_, 1);

@@ -1,5 +1,6 @@
 #include "print/ReportEngine.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QFontMetricsF>
@@ -479,6 +480,7 @@ Result<int> ReportEngine::printPages(Printer &printer, RecordPrinter &drawing, R
     int sheets = 0;
     for (int copy = 0; copy < qMax(1, copies); ++copy) {
         for (firstOffset_ = first; firstOffset_ <= last; firstOffset_ += rowsPerPage_) {
+            QCoreApplication::processEvents(); // a close of the preview comes through here
             LoadReport(records);
             if (cancelled()) {
                 printer.KillDoc();
