@@ -350,6 +350,7 @@ void MainWindow::buildPage()
     connect(flowLayer_, &FlowLayer::recordLinkClicked, this, &MainWindow::jumpToRecord);
     connect(binder_, &PageBinder::actionChanged, this, &MainWindow::showAction);
     connect(binder_, &PageBinder::datePickerWanted, this, &MainWindow::pickDate);
+    connect(binder_, &PageBinder::fullViewWanted, this, [this](const QImage &picture) { printing_->showPicture(picture, this); });
     connect(binder_, &PageBinder::scrollWanted, this, [this](int delta) {
         QScrollBar *v = scroll_->verticalScrollBar();
         v->setValue(qBound(v->minimum(), v->value() + delta, v->maximum()));

@@ -219,6 +219,20 @@ void PageBinder::refreshTitle(int i)
     label->resize(label->sizeHint());
 }
 
+QImage PageBinder::pictureImage(int i) const
+{
+    const Design &d = page_.design();
+    if (i < 0 || size_t(i) >= d.Pictures.size())
+        return QImage();
+    if (d.Pictures[size_t(i)].Stretch) {
+        // The record's own file, in its own size, not the copy fitted to the element.
+        const QString name = page_.PictureRecordName.value(i).trimmed();
+        return name.isEmpty() || pictureFolder_.isEmpty() ? QImage() : QImage(QDir(pictureFolder_).filePath(name));
+    }
+    const auto *label = qobject_cast<const QLabel *>(canvas_.pictureWidget(i));
+    return label ? label->pixmap().toImage() : QImage();
+}
+
 void PageBinder::refreshPicture(int i)
 {
     const Design &d = page_.design();
@@ -288,6 +302,11 @@ bool PageBinder::eventFilter(QObject *watched, QEvent *event)
     case Kind::Picture:
         if (event->type() == QEvent::MouseButtonPress && actions_.picturePressed(t.index))
             Q_EMIT pictureEditorWanted(t.index);
+        if (event->type() == QEvent::MouseButtonDblClick) {
+            const QImage picture = pictureImage(t.index);
+            if (!picture.isNull())
+                Q_EMIT fullViewWanted(picture);
+        }
         return false;
     }
     return false;

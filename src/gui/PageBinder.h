@@ -9,6 +9,7 @@
 
 #include <QHash>
 #include <QObject>
+#include <QImage>
 #include <QPixmap>
 #include <functional>
 
@@ -44,6 +45,8 @@ Q_SIGNALS:
     // A click on a per-record picture that may be changed. Left unconnected until the picture
     // editor exists: the click does nothing else.
     void pictureEditorWanted(int picture);
+    // A double click on a picture: the picture in its own size, for the full-picture window.
+    void fullViewWanted(const QImage &picture);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -64,6 +67,7 @@ private:
     void refreshCheck(int index);
     void refreshTitle(int index);
     void refreshPicture(int index);
+    QImage pictureImage(int index) const;
     bool fieldEvent(int index, QEvent *event);
     bool comboEvent(int index, QEvent *event);
     bool noteEvent(int index, QEvent *event);

@@ -1,5 +1,6 @@
 #include "gui/PrintActions.h"
 
+#include "gui/FullPictureWindow.h"
 #include "gui/MainWindow.h"
 #include "gui/MainWindowHost.h"
 #include "gui/PrintOptionsWindow.h"
@@ -83,6 +84,20 @@ void PrintActions::printRecord(QWidget *parent)
                                           window.copies(), window.rescale());
     if (!done)
         main_.host().ShowMessage(main_.design().AppTitle, done.error().text, 0);
+}
+
+FullPictureWindow *PrintActions::showPicture(const QImage &picture, QWidget *parent)
+{
+    auto *window = new FullPictureWindow(picture, parent);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    connect(window, &FullPictureWindow::printRequested, window, [this, window] {
+        PrinterTarget target(*printer_);
+        print::Printer device(target);
+        if (Status printed = window->printOn(device); !printed)
+            main_.host().ShowMessage(main_.design().AppTitle, printed.error().text, 0);
+    });
+    window->show();
+    return window;
 }
 
 void PrintActions::printRows(const QVector<int> &rows, QWidget *parent)

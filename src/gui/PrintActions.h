@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 
+class QImage;
 class QPrinter;
 class QWidget;
 
@@ -18,6 +19,7 @@ namespace ff::gui {
 
 class MainWindow;
 class ReportPreviewWindow;
+class FullPictureWindow;
 
 class PrintActions : public QObject {
     Q_OBJECT
@@ -38,6 +40,8 @@ public:
     // Report `index` (0-based) over all records, or over `rows` of a results list.
     ReportPreviewWindow *openReport(int index);
     ReportPreviewWindow *openReportOfRows(int index, const QVector<int> &rows);
+    // The full-picture window over `picture`; its print button prints it on the chosen printer.
+    FullPictureWindow *showPicture(const QImage &picture, QWidget *parent);
 
 private:
     ReportPreviewWindow *show(print::ReportEngine engine, ReportPreviewWindow *reuse);

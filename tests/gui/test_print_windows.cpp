@@ -6,6 +6,7 @@
 #include "core/SettingsStore.h"
 #include "gui/FullPictureWindow.h"
 #include "gui/MainWindow.h"
+#include "gui/PageCanvas.h"
 #include "gui/PrintActions.h"
 #include "gui/PrintOptionsWindow.h"
 #include "gui/ReportPreviewWindow.h"
@@ -17,6 +18,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPrinter>
 #include <QPushButton>
@@ -138,6 +140,14 @@ private Q_SLOTS:
         preview->close();
         QSettings ini(SettingsStore::filePath(window.printing().applicationKey()), QSettings::IniFormat);
         QVERIFY(ini.contains(QStringLiteral("settings/invoicesreportwidth")));
+
+        // A double click on the logo shows it, in its own size, in the full-picture window.
+        QWidget *logo = window.canvas()->pictureWidget(0);
+        QVERIFY(logo);
+        QTest::mouseDClick(logo, Qt::LeftButton, {}, logo->rect().center());
+        auto *full = window.findChild<gui::FullPictureWindow *>();
+        QVERIFY(full && full->isVisible());
+        QCOMPARE(full->pictureLabel()->pixmap().size(), logo->size());
     }
 
     void fullPictureFitsAndPrints()
