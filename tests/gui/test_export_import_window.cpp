@@ -4,18 +4,15 @@
 // designs, the "-paste" start, the stop of the wait window and a dialog left without a name.
 // Files are read back with the test's own reader of the delimited text and of the XML text.
 
+#include "WindowDriver.h"
+
 #include "entry/FieldEntry.h"
 #include "gui/ExportImportActions.h"
-#include "gui/MainWindow.h"
 #include "gui/MainWindowHost.h"
-#include "gui/PageCanvas.h"
 #include "gui/ResultsWindow.h"
 #include "gui/SearchLineWindow.h"
 #include "store/Database.h"
-#include "support/ExampleImage.h"
-#include "toolkit/MessageWindow.h"
 #include "toolkit/SortableList.h"
-#include "toolkit/WaitWindow.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -40,6 +37,8 @@
 #include <functional>
 
 using namespace ff;
+using testsupport::field;
+using testsupport::MessageCatcher;
 
 namespace {
 
@@ -55,15 +54,9 @@ std::unique_ptr<Opened> openContacts(const QString &folder, const std::function<
     auto o = std::make_unique<Opened>();
     QDir().mkpath(folder);
     o->image = testsupport::buildExample(QStringLiteral("contacts"), folder, change).path;
-    o->window = std::make_unique<gui::MainWindow>(ParseCommandLine(o->image, arguments), testsupport::loadImage(o->image));
-    o->window->show();
-    o->window->activateWindow();
-    if (!QTest::qWaitForWindowActive(o->window.get()))
-        qWarning("window not active");
+    o->window = testsupport::openActive(o->image, arguments);
     return o;
 }
-
-QLineEdit *field(gui::MainWindow &w, int i) { return qobject_cast<QLineEdit *>(w.canvas()->fieldWidget(i)); }
 
 void typeInto(QWidget *widget, const QString &keys)
 {
@@ -136,24 +129,6 @@ QStringList recordValues(gui::MainWindow &w, int record)
         v << QStringLiteral("M%1=%2").arg(i).arg(QString(p.NoteText[i]).replace(QLatin1String("\r\n"), QLatin1String("\n")));
     return v;
 }
-
-// Answers each program message box that comes up with OK and keeps its text.
-struct MessageCatcher {
-    QStringList texts;
-    QTimer timer;
-    MessageCatcher()
-    {
-        timer.setInterval(5);
-        QObject::connect(&timer, &QTimer::timeout, [this] {
-            auto *box = qobject_cast<toolkit::MessageWindow *>(QApplication::activeModalWidget());
-            if (box && box->isVisible()) {
-                texts << box->messageText();
-                box->okButton()->click();
-            }
-        });
-        timer.start();
-    }
-};
 
 // Does `step` once with the file dialog, as soon as it is the active modal window.
 void whenDialogShows(const std::function<void(QFileDialog *)> &step)
@@ -310,10 +285,7 @@ gui::ResultsWindow *searchFor(gui::MainWindow &w, const QString &line)
     w.findenAction(0)->trigger();
     gui::SearchLineWindow *f = w.searchWindow();
     f->lineBox()->setEditText(line);
-    f->activateWindow();
-    if (!QTest::qWaitFor([f] { return f->isActiveWindow(); }, 2000))
-        qWarning("the search window is not active");
-    QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : f, Qt::Key_Return);
+    QTest::keyClick(testsupport::focusedWidgetOf(f), Qt::Key_Return);
     const QList<gui::ResultsWindow *> found = w.findChildren<gui::ResultsWindow *>();
     return found.isEmpty() ? nullptr : found.last();
 }

@@ -9,13 +9,10 @@
 #include "gui/PageCanvas.h"
 #include "gui/Twips.h"
 #include "store/Database.h"
+#include "support/RecordWriterLayout.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
-#include <QProcess>
 #include <QTabBar>
 #include <QTemporaryDir>
 #include <QToolButton>
@@ -24,35 +21,6 @@
 using namespace ff;
 
 namespace {
-
-// The stored elements of a design, as the independent writer takes them.
-QJsonObject setupFor(const Design &d)
-{
-    QJsonObject setup;
-    setup[QStringLiteral("recordsPerPart")] = 100000;
-    setup[QStringLiteral("scramble")] = d.ScrambleRecords;
-    setup[QStringLiteral("flow")] = d.FlowPageEnabled;
-    setup[QStringLiteral("stamp")] = d.Titles[4].present && Design::onPage(d.Titles[4].TitlePage);
-    setup[QStringLiteral("title")] = d.MainCap;
-    QJsonArray fields, combos, checks, pictures, notes;
-    for (size_t i = 1; i < d.Fields.size(); ++i)
-        fields.append(QJsonObject{{"type", d.Fields[i].FieldType}, {"maxLength", d.Fields[i].MaxLength},
-                                  {"page", d.Fields[i].FieldPage}, {"global", d.Fields[i].FieldGlobal}});
-    for (size_t i = 1; i < d.Combos.size(); ++i)
-        combos.append(QJsonObject{{"maxLength", d.Combos[i].MaxLength}, {"page", d.Combos[i].ComboPage}});
-    for (const CheckElement &c : d.Checks)
-        checks.append(QJsonObject{{"page", c.CheckPage}});
-    for (const PictureElement &p : d.Pictures)
-        pictures.append(QJsonObject{{"stretch", p.Stretch}});
-    for (size_t i = 1; i < d.Notes.size(); ++i)
-        notes.append(QJsonObject{{"maxLength", d.Notes[i].MaxLength}, {"page", d.Notes[i].NotePage}});
-    setup[QStringLiteral("fields")] = fields;
-    setup[QStringLiteral("combos")] = combos;
-    setup[QStringLiteral("checks")] = checks;
-    setup[QStringLiteral("pictures")] = pictures;
-    setup[QStringLiteral("notes")] = notes;
-    return setup;
-}
 
 QJsonObject label(int page, int style, int size, const QString &text, int color, int left, int top)
 {
@@ -97,20 +65,12 @@ struct FlowFixture {
         if (!QFile::copy(testsupport::examplePath(QStringLiteral("contacts/logo.gif")),
                          dir.filePath(QStringLiteral("Images/100001.gif"))))
             return false;
-        const DesignLoad load = testsupport::loadImage(imagePath);
-        QJsonObject setup = setupFor(load.design);
+        QJsonObject setup = testsupport::recordWriterLayout(testsupport::loadImage(imagePath).design, 100000);
         setup[QStringLiteral("records")] = records();
-        QFile layout(dir.filePath(QStringLiteral("layout.json")));
-        if (!layout.open(QIODevice::WriteOnly))
-            return false;
-        layout.write(QJsonDocument(setup).toJson());
-        layout.close();
-        QProcess writer;
-        writer.start(QStringLiteral("python3"),
-                     {QString::fromLocal8Bit(qgetenv("FLATFORM_SOURCE_DIR")) + QStringLiteral("/tests/support/independent_record_writer.py"),
-                      QStringLiteral("write"), layout.fileName(), dir.filePath(QStringLiteral("Contacts.dat"))});
-        if (!writer.waitForFinished(30000) || writer.exitCode() != 0) {
-            qWarning("%s", writer.readAllStandardError().constData());
+        const testsupport::ProgramRun writer =
+            testsupport::runRecordWriter(QStringLiteral("write"), setup, dir.filePath(QStringLiteral("Contacts.dat")));
+        if (writer.exitCode != 0) {
+            qWarning("%s", writer.err.constData());
             return false;
         }
         window = testsupport::openWindow(imagePath);

@@ -1,11 +1,9 @@
 // The first window over the shipped contacts design: every element where the design puts it, the
 // tabs of the pages in use, and a damaged design that still opens and says so.
 
-#include "gui/MainWindow.h"
-#include "store/Database.h"
-#include "gui/PageCanvas.h"
+#include "WindowDriver.h"
 #include "gui/Twips.h"
-#include "support/ExampleImage.h"
+#include "store/Database.h"
 
 #include <QDir>
 #include <QFile>
@@ -112,13 +110,9 @@ private Q_SLOTS:
     void functionKeysFillTheFieldWithTheExamplesTexts()
     {
         QTemporaryDir dir;
-        const auto built = testsupport::buildExample(QStringLiteral("contacts"), dir.path());
-        gui::MainWindow window(pathsIn(dir), testsupport::loadImage(built.path));
-        window.show();
-        window.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
+        const auto window = testsupport::openActive(testsupport::buildExample(QStringLiteral("contacts"), dir.path()).path);
         // A click in the company field puts the caret there; the keys go where the focus is.
-        auto *company = qobject_cast<QLineEdit *>(window.canvas()->fieldWidget(3));
+        QLineEdit *company = testsupport::field(*window, 3);
         QVERIFY(company);
         QTest::mouseClick(company, Qt::LeftButton);
         QCOMPARE(QApplication::focusWidget(), company);

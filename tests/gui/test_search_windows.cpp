@@ -3,6 +3,8 @@
 // replace, find and replace on one field, the sort commands, a page button's silent line and a
 // stop during a long search.
 
+#include "WindowDriver.h"
+
 #include "core/SettingsStore.h"
 #include "entry/FieldEntry.h"
 #include "formula/DateNumber.h"
@@ -10,13 +12,8 @@
 #include "gui/MainWindowHost.h"
 #include "gui/ResultsWindow.h"
 #include "gui/FindReplaceWindow.h"
-#include "gui/MainWindow.h"
-#include "gui/PageCanvas.h"
 #include "store/Database.h"
-#include "support/ExampleImage.h"
-#include "toolkit/WaitWindow.h"
 #include "toolkit/SortableList.h"
-#include "toolkit/MessageWindow.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -30,6 +27,7 @@
 #include <QtTest>
 
 using namespace ff;
+using namespace ff::testsupport;
 
 namespace {
 
@@ -56,8 +54,6 @@ struct Opened {
     std::unique_ptr<gui::MainWindow> window;
 };
 
-QLineEdit *field(gui::MainWindow &w, int i) { return qobject_cast<QLineEdit *>(w.canvas()->fieldWidget(i)); }
-
 void typeInto(gui::MainWindow &w, int i, const QString &keys)
 {
     field(w, i)->setFocus(Qt::TabFocusReason);
@@ -82,12 +78,8 @@ std::unique_ptr<Opened> openContacts(const std::function<void(Design &)> &more =
 {
     auto o = std::make_unique<Opened>();
     o->image = writeNamedContacts(o->dir.path(), more);
-    o->window = std::make_unique<gui::MainWindow>(ParseCommandLine(o->image, {}), testsupport::loadImage(o->image));
+    o->window = openActive(o->image);
     gui::MainWindow &w = *o->window;
-    w.show();
-    w.activateWindow();
-    if (!QTest::qWaitForWindowActive(&w))
-        qWarning("window not active");
     typeContact(w, QStringLiteral("Ada"), QStringLiteral("Lovelace"), QStringLiteral("Analytical"), QStringLiteral("100"),
                 QStringLiteral("3"), true);
     w.newButton()->click();
@@ -100,41 +92,6 @@ std::unique_ptr<Opened> openContacts(const std::function<void(Design &)> &more =
     return o;
 }
 
-// Answers every program message box that comes up: keeps its text and presses OK. Counts the
-// messages that came up while a wait window still stood on the screen.
-struct MessageCatcher {
-    QStringList texts;
-    int overWaitWindow = 0;
-    QTimer timer;
-    MessageCatcher()
-    {
-        timer.setInterval(5);
-        QObject::connect(&timer, &QTimer::timeout, [this] {
-            auto *box = qobject_cast<toolkit::MessageWindow *>(QApplication::activeModalWidget());
-            if (box && box->isVisible()) {
-                texts << box->messageText();
-                for (QWidget *top : QApplication::topLevelWidgets())
-                    if (qobject_cast<toolkit::WaitWindow *>(top) && top->isVisible())
-                        ++overWaitWindow;
-                box->okButton()->click();
-            }
-        });
-        timer.start();
-    }
-};
-
-// Activates `window` as a person would by clicking it and returns the widget that then has the
-// keyboard focus (the window itself when none has).
-QWidget *focusedWidgetOf(QWidget *window)
-{
-    window->activateWindow();
-    // The activation arrives through the event loop.
-    if (!QTest::qWaitFor([window] { return window->isActiveWindow(); }, 2000))
-        qWarning("%s did not become active", window->metaObject()->className());
-    QWidget *focused = QApplication::focusWidget();
-    return focused && focused->window() == window ? focused : window;
-}
-
 gui::SearchLineWindow *searchFor(gui::MainWindow &w, const QString &line, bool forward = false)
 {
     w.findenAction(0)->trigger();
@@ -144,6 +101,18 @@ gui::SearchLineWindow *searchFor(gui::MainWindow &w, const QString &line, bool f
     // Enter goes where a person's key goes: to the focused widget of the active window.
     QTest::keyClick(focusedWidgetOf(f), Qt::Key_Return);
     return f;
+}
+
+// The records the navigation buttons walk through: first, then one on at a time.
+QVector<int> walkedRecords(gui::MainWindow &w, int count)
+{
+    w.navigationButton(0)->click();
+    QVector<int> seen{w.database().store().CurrentRecord()};
+    while (seen.size() < count) {
+        w.navigationButton(3)->click();
+        seen << w.database().store().CurrentRecord();
+    }
+    return seen;
 }
 
 QList<gui::ResultsWindow *> resultWindows(gui::MainWindow &w) { return w.findChildren<gui::ResultsWindow *>(); }
@@ -513,48 +482,24 @@ private Q_SLOTS:
         field(w, 8)->setFocus(Qt::MouseFocusReason); // credit: 100, 250, 50
         w.findenAction(1)->trigger();
         QCOMPARE(s.browseOrder(), BrowseOrder::SortIndexUp);
-        QVector<int> seen;
-        w.navigationButton(0)->click();
-        seen << s.CurrentRecord();
-        for (int k = 0; k < 2; ++k) {
-            w.navigationButton(3)->click();
-            seen << s.CurrentRecord();
-        }
-        QCOMPARE(seen, (QVector<int>{3, 1, 2}));
+        QCOMPARE(walkedRecords(w, 3), (QVector<int>{3, 1, 2}));
         QCOMPARE(field(w, 8)->text(), QStringLiteral("250.00"));
 
         field(w, 2)->setFocus(Qt::MouseFocusReason); // last names, from the end
         w.findenAction(2)->trigger();
         QCOMPARE(s.browseOrder(), BrowseOrder::SortIndexDown);
-        seen.clear();
-        w.navigationButton(0)->click();
-        seen << s.CurrentRecord();
-        w.navigationButton(3)->click();
-        seen << s.CurrentRecord();
-        w.navigationButton(3)->click();
-        seen << s.CurrentRecord();
-        QCOMPARE(seen, (QVector<int>{2, 1, 3})); // Turing, Lovelace, Hopper
+        QCOMPARE(walkedRecords(w, 3), (QVector<int>{2, 1, 3})); // Turing, Lovelace, Hopper
     }
 
     void sortBeforeAnyFieldHadTheFocusSortsByTheFirstField()
     {
         auto o = openContacts();
         o->window.reset(); // saves and closes: a new start on the three records
-        gui::MainWindow w(ParseCommandLine(o->image, {}), testsupport::loadImage(o->image));
-        w.show();
-        focusedWidgetOf(&w);
-        RecordStore &s = w.database().store();
+        auto w = openActive(o->image);
         // Sort down at once: by the first names, from the end.
-        w.findenAction(2)->trigger();
-        QCOMPARE(s.browseOrder(), BrowseOrder::SortIndexDown);
-        QVector<int> seen;
-        w.navigationButton(0)->click();
-        seen << s.CurrentRecord();
-        for (int k = 0; k < 2; ++k) {
-            w.navigationButton(3)->click();
-            seen << s.CurrentRecord();
-        }
-        QCOMPARE(seen, (QVector<int>{3, 2, 1})); // Grace, Alan, Ada
+        w->findenAction(2)->trigger();
+        QCOMPARE(w->database().store().browseOrder(), BrowseOrder::SortIndexDown);
+        QCOMPARE(walkedRecords(*w, 3), (QVector<int>{3, 2, 1})); // Grace, Alan, Ada
     }
 
     void pageButtonLineOpensASilentResultsWindow()

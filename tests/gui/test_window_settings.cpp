@@ -138,10 +138,12 @@ private Q_SLOTS:
         QTemporaryDir hiddenDir;
         auto hidden = testsupport::openWindow(testsupport::buildContactsVariant(hiddenDir.path(), [](Design &d) {
             d.AboutInfoVisible = false;
+            d.Image4Visible = false;
         }));
         hidden->show();
         QVERIFY(!hidden->aboutButton()->isVisible());
         QVERIFY(!hidden->aboutButton()->defaultAction()->isVisible()); // nor in the Help menu
+        QVERIFY(!hidden->calculatorButton()->isVisible());
 
         QTemporaryDir dir;
         auto window = testsupport::openWindow(testsupport::buildContactsVariant(dir.path(), [](Design &d) {
@@ -172,13 +174,6 @@ private Q_SLOTS:
 
     void row10IsTheImage4IconsToolTip()
     {
-        QTemporaryDir hiddenDir;
-        auto hidden = testsupport::openWindow(testsupport::buildContactsVariant(hiddenDir.path(), [](Design &d) {
-            d.Image4Visible = false;
-        }));
-        hidden->show();
-        QVERIFY(!hidden->calculatorButton()->isVisible());
-
         QTemporaryDir dir;
         auto window = testsupport::openWindow(testsupport::buildContactsVariant(dir.path(), [](Design &d) {
             d.Image4Visible = true;
