@@ -20,14 +20,6 @@ QByteArray readAt(const RecordPlace &place, int length)
     return f.read(length);
 }
 
-struct StopAt : Progress {
-    int stopAt;
-    int calls = 0;
-    explicit StopAt(int n) : stopAt(n) {}
-    void setPercent(int) override {}
-    bool cancelled() override { return ++calls == stopAt; }
-};
-
 } // namespace
 
 TEST(ExportCopy, ChosenRecordsGoIntoANewFileSetInTheirOrder)

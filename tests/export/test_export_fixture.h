@@ -154,6 +154,16 @@ struct ShopStore {
     }
 };
 
+// Asks to stop at the n-th question, which the exporters ask at every tenth index.
+struct StopAt : Progress {
+    int stopAt;
+    int calls = 0;
+    std::vector<int> percents;
+    explicit StopAt(int n) : stopAt(n) {}
+    void setPercent(int p) override { percents.push_back(p); }
+    bool cancelled() override { return ++calls == stopAt; }
+};
+
 inline ExportRequest request(ExportChoice choice, const ExportRange &range, const QString &name = QStringLiteral("out"))
 {
     ExportRequest r;

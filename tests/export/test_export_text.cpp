@@ -24,16 +24,6 @@ QList<QByteArray> rowsOf(const QByteArray &file)
     return rows;
 }
 
-// Stops when asked at the n-th tenth index.
-struct StopAt : Progress {
-    int stopAt;
-    int calls = 0;
-    std::vector<int> percents;
-    explicit StopAt(int n) : stopAt(n) {}
-    void setPercent(int p) override { percents.push_back(p); }
-    bool cancelled() override { return ++calls == stopAt; }
-};
-
 } // namespace
 
 TEST(ExportText, HeadRowQuotingAndLineEnds)

@@ -9,7 +9,7 @@
 #include "store/RecordStore.h"
 #include "support/RecordFileFormat.h"
 #include "support/RecordingStoreHost.h"
-#include "support/StoreDesigns.h"
+#include "support/StoreFixture.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -20,11 +20,6 @@ using namespace ff;
 using namespace ff::testsupport;
 
 namespace {
-
-const bool kLocale = [] {
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-    return true;
-}();
 
 // name text 8, qty whole, a note, flow layer on or off.
 Design smallTagged(bool flow = false, int nameLength = 8)

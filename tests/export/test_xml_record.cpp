@@ -2,7 +2,7 @@
 // tag and of the FLOWPage section, and a record carried between two different designs.
 
 #include "export/XmlRecord.h"
-#include "support/StoreDesigns.h"
+#include "support/StoreFixture.h"
 
 #include <QLocale>
 
@@ -12,11 +12,6 @@ using namespace ff;
 using namespace ff::testsupport;
 
 namespace {
-
-const bool kLocale = [] {
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-    return true;
-}();
 
 // a text, b date, c float; combo d; checks e, f; note g; record picture h; flow layer on.
 Design designA()
