@@ -1,12 +1,8 @@
 // Records written by an independent implementation of the format (a Python script written from the
 // format alone) read value for value, and records this store writes read back there.
 
-#include "support/Programs.h"
+#include "support/RecordWriterLayout.h"
 #include "support/StoreFixture.h"
-
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <gtest/gtest.h>
 
@@ -15,43 +11,9 @@ using namespace ff::testsupport;
 
 namespace {
 
-// The stored elements of a design, as the script takes them.
-QJsonObject setupFor(const Design &d, int perPart)
+QByteArray runScript(const QString &verb, const QJsonObject &setup, const QString &data)
 {
-    QJsonObject setup;
-    setup[QStringLiteral("recordsPerPart")] = perPart;
-    setup[QStringLiteral("scramble")] = d.ScrambleRecords;
-    setup[QStringLiteral("flow")] = d.FlowPageEnabled;
-    setup[QStringLiteral("stamp")] = d.Titles[4].present && Design::onPage(d.Titles[4].TitlePage);
-    setup[QStringLiteral("title")] = d.MainCap;
-    QJsonArray fields, combos, checks, pictures, notes;
-    for (size_t i = 1; i < d.Fields.size(); ++i)
-        fields.append(QJsonObject{{"type", d.Fields[i].FieldType}, {"maxLength", d.Fields[i].MaxLength},
-                                  {"page", d.Fields[i].FieldPage}, {"global", d.Fields[i].FieldGlobal}});
-    for (size_t i = 1; i < d.Combos.size(); ++i)
-        combos.append(QJsonObject{{"maxLength", d.Combos[i].MaxLength}, {"page", d.Combos[i].ComboPage}});
-    for (const CheckElement &c : d.Checks)
-        checks.append(QJsonObject{{"page", c.CheckPage}});
-    for (const PictureElement &p : d.Pictures)
-        pictures.append(QJsonObject{{"stretch", p.Stretch}});
-    for (size_t i = 1; i < d.Notes.size(); ++i)
-        notes.append(QJsonObject{{"maxLength", d.Notes[i].MaxLength}, {"page", d.Notes[i].NotePage}});
-    setup[QStringLiteral("fields")] = fields;
-    setup[QStringLiteral("combos")] = combos;
-    setup[QStringLiteral("checks")] = checks;
-    setup[QStringLiteral("pictures")] = pictures;
-    setup[QStringLiteral("notes")] = notes;
-    return setup;
-}
-
-QByteArray runScript(const QString &verb, const QJsonObject &setup, const QString &data, const QTemporaryDir &dir)
-{
-    const QString layoutPath = dir.filePath(QStringLiteral("layout.json"));
-    QFile f(layoutPath);
-    f.open(QIODevice::WriteOnly);
-    f.write(QJsonDocument(setup).toJson());
-    f.close();
-    const ProgramRun run = runSupportScript(QStringLiteral("independent_record_writer.py"), {verb, layoutPath, data});
+    const ProgramRun run = runRecordWriter(verb, setup, data);
     EXPECT_EQ(run.exitCode, 0) << run.err.constData();
     return run.out;
 }
@@ -78,12 +40,12 @@ TEST(IndependentWriter, ItsFilesReadValueForValue)
     QTemporaryDir dir;
     const QString data = dir.filePath(QStringLiteral("Ind.dat"));
     const Design design = fullDesign(true, true);
-    QJsonObject setup = setupFor(design, 4);
+    QJsonObject setup = recordWriterLayout(design, 4);
     QJsonArray records;
     for (int r = 1; r <= 9; ++r)
         records.append(recordValues(r));
     setup[QStringLiteral("records")] = records;
-    runScript(QStringLiteral("write"), setup, data, dir);
+    runScript(QStringLiteral("write"), setup, data);
     ASSERT_TRUE(QFile::exists(partFileName(data, 2)));
 
     StoreUser u{Design(design)};
@@ -153,7 +115,7 @@ TEST(IndependentWriter, ReadsWhatThisStoreWrote)
             ASSERT_TRUE(u.store.SaveIfDirty());
         }
     }
-    const QJsonObject back = QJsonDocument::fromJson(runScript(QStringLiteral("read"), setupFor(design, 2140000000 / 10155 - 1), data, dir)).object();
+    const QJsonObject back = QJsonDocument::fromJson(runScript(QStringLiteral("read"), recordWriterLayout(design, 2140000000 / 10155 - 1), data)).object();
     EXPECT_EQ(back["recordLength"].toInt(), 10155);
     ASSERT_EQ(back["count"].toInt(), 5);
     const QJsonArray records = back["records"].toArray();
