@@ -10,7 +10,7 @@
 #include "search/SearchEngine.h"
 #include "store/RecordStore.h"
 #include "support/RecordingMessages.h"
-#include "support/StoreDesigns.h"
+#include "support/StoreFixture.h" // pins the locale
 
 #include <QLocale>
 #include <QTemporaryDir>
@@ -18,11 +18,6 @@
 #include <gtest/gtest.h>
 
 namespace ff::testsupport {
-
-inline const bool kSearchLocalePinned = [] {
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-    return true;
-}();
 
 inline Design searchDesign(bool scramble = false)
 {

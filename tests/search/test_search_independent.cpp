@@ -7,12 +7,9 @@
 #include "search/SearchFixture.h"
 
 #include "search/SortIndexBuilder.h"
-#include "support/Programs.h"
+#include "support/RecordWriterLayout.h"
 #include "support/StoreFixture.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QRandomGenerator>
 
 #include <algorithm>
@@ -60,17 +57,8 @@ protected:
                                        {"F5", v.amount}, {"F6", v.time}, {"C1", v.city}, {"C2", "1"}, {"C3", "x"},
                                        {"K0", v.paid}, {"M1", v.memo}, {"stamp", 45000}});
         }
-        QJsonArray fields;
-        for (size_t i = 1; i < design.Fields.size(); ++i)
-            fields.append(QJsonObject{{"type", design.Fields[i].FieldType}, {"maxLength", design.Fields[i].MaxLength},
-                                      {"page", design.Fields[i].FieldPage}, {"global", design.Fields[i].FieldGlobal}});
-        QJsonArray combos;
-        for (size_t i = 1; i < design.Combos.size(); ++i)
-            combos.append(QJsonObject{{"maxLength", design.Combos[i].MaxLength}, {"page", 0}});
-        setup = QJsonObject{{"recordsPerPart", kPerPart}, {"scramble", GetParam()}, {"flow", 0}, {"stamp", true},
-                               {"title", "Independent"}, {"fields", fields}, {"combos", combos},
-                               {"checks", QJsonArray{QJsonObject{{"page", 0}}}}, {"pictures", QJsonArray{}},
-                               {"notes", QJsonArray{QJsonObject{{"maxLength", 30}, {"page", 0}}}}, {"records", records}};
+        setup = recordWriterLayout(design, kPerPart);
+        setup[QStringLiteral("records")] = records;
         dataFile = dir.filePath(QStringLiteral("ind.dat"));
         writeRecords(setup, dataFile);
         if (GetParam() == 1) { // no record may read as plain text
@@ -85,13 +73,7 @@ protected:
 
     void writeRecords(const QJsonObject &layout, const QString &file)
     {
-        const QString layoutPath = dir.filePath(QStringLiteral("layout.json"));
-        QFile f(layoutPath);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(QJsonDocument(layout).toJson());
-        f.close();
-        const ProgramRun run =
-            runSupportScript(QStringLiteral("independent_record_writer.py"), {QStringLiteral("write"), layoutPath, file});
+        const ProgramRun run = runRecordWriter(QStringLiteral("write"), layout, file);
         ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     }
 
