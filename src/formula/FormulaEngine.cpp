@@ -65,6 +65,38 @@ void replaceName(QString &line, QStringView name, Qt::CaseSensitivity cs, MakeVa
     line.replace(name.data(), name.size(), value.constData(), value.size(), cs);
 }
 
+// Replaces the names `letter` + n for n from `highest` down to `lowest`, one after the other as
+// replaceName does, each by value(n). A name can stand only where `letter` is followed by a run
+// of digits that starts with n's digits: the runs are found once (and again after a replacement,
+// which changes the line), so a line naming two fields of a hundred costs two replacements.
+template <typename MakeValue>
+void replaceNumbered(QString &line, char letter, int highest, int lowest, MakeValue &&value)
+{
+    std::vector<std::pair<qsizetype, qsizetype>> runs; // where each run of digits starts, and its length
+    const auto findRuns = [&] {
+        runs.clear();
+        for (qsizetype at = line.indexOf(QLatin1Char(letter)); at >= 0; at = line.indexOf(QLatin1Char(letter), at + 1)) {
+            qsizetype end = at + 1;
+            while (end < line.size() && line[end].isDigit() && line[end].unicode() < 128)
+                ++end;
+            if (end > at + 1)
+                runs.emplace_back(at + 1, end - at - 1);
+        }
+    };
+    findRuns();
+    for (int n = highest; n >= lowest && !runs.empty(); --n) {
+        const Reference name(letter, n);
+        const QStringView digits = name.view().mid(1);
+        const bool mayStand = std::any_of(runs.cbegin(), runs.cend(), [&](const auto &run) {
+            return run.second >= digits.size() && QStringView(line).mid(run.first, digits.size()) == digits;
+        });
+        if (!mayStand)
+            continue;
+        replaceName(line, name.view(), Qt::CaseSensitive, [&] { return value(n); });
+        findRuns();
+    }
+}
+
 } // namespace
 
 void FormulaEngine::startSnapshot()
@@ -209,40 +241,28 @@ QString FormulaEngine::systemVariables(QString &line, Qt::CaseSensitivity cs)
 
 QString FormulaEngine::SubstituteFields(QString &line, int mode)
 {
-    const auto holds = [&line](char letter) { return line.contains(QLatin1Char(letter)); };
     if (mode != 1) {
         systemVariables(line, Qt::CaseInsensitive);
-        for (int n = fieldCount(); n >= 1 && holds('F'); --n)
-            replaceName(line, Reference('F', n).view(), Qt::CaseSensitive, [&] { return fieldValue(n); });
-        for (int n = comboCount(); n >= 1 && holds('C'); --n) {
-            replaceName(line, Reference('C', n).view(), Qt::CaseSensitive, [&] {
-                QString value = comboValue(n);
-                if (page_.design().Combos[n].ComboFormat == 0)
-                    value = QLatin1Char('"') + value.replace(QLatin1Char('-'), QLatin1Char('~')) + QLatin1Char('"');
-                return value;
-            });
-        }
+        replaceNumbered(line, 'F', fieldCount(), 1, [&](int n) { return fieldValue(n); });
+        replaceNumbered(line, 'C', comboCount(), 1, [&](int n) {
+            QString value = comboValue(n);
+            if (page_.design().Combos[n].ComboFormat == 0)
+                value = QLatin1Char('"') + value.replace(QLatin1Char('-'), QLatin1Char('~')) + QLatin1Char('"');
+            return value;
+        });
     } else {
-        for (int n = fieldCount(); n >= 1 && holds('F'); --n) {
-            replaceName(line, Reference('F', n).view(), Qt::CaseSensitive,
-                        [&] { return QString(liveFieldText(n)).replace(QLatin1Char(' '), QLatin1Char('_')); });
-        }
-        for (int n = comboCount(); n >= 1 && holds('C'); --n) {
-            replaceName(line, Reference('C', n).view(), Qt::CaseSensitive,
-                        [&] { return QString(liveComboText(n)).replace(QLatin1Char(' '), QLatin1Char('_')); });
-        }
+        replaceNumbered(line, 'F', fieldCount(), 1,
+                        [&](int n) { return QString(liveFieldText(n)).replace(QLatin1Char(' '), QLatin1Char('_')); });
+        replaceNumbered(line, 'C', comboCount(), 1,
+                        [&](int n) { return QString(liveComboText(n)).replace(QLatin1Char(' '), QLatin1Char('_')); });
     }
-    for (int n = checkCount(); n >= 0 && holds('K'); --n)
-        replaceName(line, Reference('K', n).view(), Qt::CaseSensitive, [&] { return checkValue(n); });
+    replaceNumbered(line, 'K', checkCount(), 0, [&](int n) { return checkValue(n); });
     return line;
 }
 
 QString FormulaEngine::ReplaceVariables(QString &line)
 {
-    for (int n = kFormulaVarCount - 1; n >= 0 && line.contains(QLatin1Char('V')); --n) {
-        replaceName(line, Reference('V', n).view(), Qt::CaseSensitive,
-                    [&] { return context_.FormulaVars[static_cast<size_t>(n)]; });
-    }
+    replaceNumbered(line, 'V', kFormulaVarCount - 1, 0, [&](int n) { return context_.FormulaVars[static_cast<size_t>(n)]; });
     return line;
 }
 
