@@ -9,6 +9,7 @@
 #include "print/RecordPrinter.h"
 #include "store/Database.h"
 #include "support/ExampleImage.h"
+#include "support/PictureCompare.h"
 #include "support/Programs.h"
 
 #include <QDir>
@@ -17,31 +18,6 @@
 #include <QtTest>
 
 using namespace ff;
-
-namespace {
-
-// The share of 8 x 8 cells whose mean grey differs by more than `tolerance` between the pictures,
-// over the part both cover.
-double differingCells(const QImage &a, const QImage &b, int tolerance)
-{
-    const QImage ga = a.convertToFormat(QImage::Format_Grayscale8), gb = b.convertToFormat(QImage::Format_Grayscale8);
-    const int w = qMin(ga.width(), gb.width()) / 8, h = qMin(ga.height(), gb.height()) / 8;
-    int differing = 0;
-    for (int cy = 0; cy < h; ++cy)
-        for (int cx = 0; cx < w; ++cx) {
-            int sa = 0, sb = 0;
-            for (int y = cy * 8; y < cy * 8 + 8; ++y)
-                for (int x = cx * 8; x < cx * 8 + 8; ++x) {
-                    sa += ga.constScanLine(y)[x];
-                    sb += gb.constScanLine(y)[x];
-                }
-            if (qAbs(sa - sb) / 64 > tolerance)
-                ++differing;
-        }
-    return w * h > 0 ? double(differing) / (w * h) : 1.0;
-}
-
-} // namespace
 
 class PrintWindowShotTest : public QObject {
     Q_OBJECT
@@ -53,12 +29,8 @@ private Q_SLOTS:
             QSKIP("pdftoppm is not installed: the printed sheet cannot be looked at");
         QTemporaryDir dir;
         const auto built = testsupport::buildExample(QStringLiteral("invoice"), dir.path());
-        const testsupport::ProgramRun loaded =
-            testsupport::runProgram(QStringLiteral("python3"),
-                                    {testsupport::sourcePath(QStringLiteral("tools/load_samples.py")),
-                                     testsupport::binaryPath(QStringLiteral("flatform-cli")), built.path,
-                                     testsupport::sourcePath(QStringLiteral("examples/invoice"))});
-        QVERIFY2(loaded.exitCode == 0, loaded.err.constData());
+        const QString loaded = testsupport::loadSamples(QStringLiteral("invoice"), built.path);
+        QVERIFY2(loaded.isEmpty(), qPrintable(loaded));
         DesignLoad load = testsupport::loadImage(built.path);
         QVERIFY(load.complete());
         gui::MainWindow window(ParseCommandLine(built.path, {}), std::move(load));
@@ -95,12 +67,12 @@ private Q_SLOTS:
         // The window's line edits and combo draw their own boxes and place text a few pixels
         // otherwise than the print, which puts the text at the top of the field as it always did;
         // most of the page is equal, and the elements stand at their places.
-        const double differing = differingCells(grab, paper, 40);
+        const double differing = testsupport::differingCells(grab, paper, 40);
         qInfo("cells differing by more than 40 grey levels: %.1f %%", differing * 100);
         QVERIFY2(differing < 0.06, qPrintable(QStringLiteral("%1 % of the cells differ").arg(differing * 100)));
         // The same comparison with the paper moved by 12 pixels fails: the test sees places.
         const QImage moved = paper.copy(12, 12, paper.width(), paper.height());
-        QVERIFY(differingCells(grab, moved, 40) > differing * 2);
+        QVERIFY(testsupport::differingCells(grab, moved, 40) > differing * 2);
     }
 };
 

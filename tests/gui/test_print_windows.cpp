@@ -96,12 +96,8 @@ private Q_SLOTS:
             labels.erase(std::remove_if(labels.begin(), labels.end(), [](const ReportLabel &l) { return l.LabelRow > 3; }),
                          labels.end());
         });
-        const testsupport::ProgramRun loaded =
-            testsupport::runProgram(QStringLiteral("python3"),
-                                    {testsupport::sourcePath(QStringLiteral("tools/load_samples.py")),
-                                     testsupport::binaryPath(QStringLiteral("flatform-cli")), built.path,
-                                     testsupport::sourcePath(QStringLiteral("examples/invoice"))});
-        QVERIFY2(loaded.exitCode == 0, loaded.err.constData());
+        const QString loaded = testsupport::loadSamples(QStringLiteral("invoice"), built.path);
+        QVERIFY2(loaded.isEmpty(), qPrintable(loaded));
         DesignLoad load = testsupport::loadImage(built.path);
         QVERIFY(load.complete());
         gui::MainWindow window(ParseCommandLine(built.path, {}), std::move(load));

@@ -47,6 +47,14 @@ ExampleImage buildExample(const QString &name, const QString &folder, const std:
     return out;
 }
 
+QString loadSamples(const QString &name, const QString &imagePath)
+{
+    const ProgramRun loaded = runProgram(QStringLiteral("python3"),
+                                         {sourcePath(QStringLiteral("tools/load_samples.py")),
+                                          binaryPath(QStringLiteral("flatform-cli")), imagePath, examplePath(name)});
+    return loaded.exitCode == 0 ? QString() : QString::fromLocal8Bit(loaded.err);
+}
+
 DesignLoad loadImage(const QString &path)
 {
     DesignReadOptions options;

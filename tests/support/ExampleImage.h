@@ -25,6 +25,10 @@ struct ExampleImage {
 ExampleImage buildExample(const QString &name, const QString &folder = QString(),
                           const std::function<void(Design &)> &edit = {});
 
+// Puts the example's sample records (examples/<name>/records.tsv) into the image's data file, as
+// scripts/demo.sh does, through flatform-cli. An empty text, or why it failed.
+QString loadSamples(const QString &name, const QString &imagePath);
+
 // Reads an image's design as the program does on start, its files extracted beside it.
 DesignLoad loadImage(const QString &path);
 
