@@ -8,6 +8,7 @@
 #include "gui/ReportPreviewWindow.h"
 #include "print/RecordPrinter.h"
 #include "store/Database.h"
+#include "toolkit/WaitWindow.h"
 
 #include <QCheckBox>
 #include <QCoreApplication>
@@ -42,16 +43,34 @@ Result<int> PrintActions::printRecords(QPrinter &printer, const QVector<int> &re
     drawing.setDecimalSeparator(main_.database().DecimalSeparator);
     drawing.setPageRange(fromPage, toPage);
     drawing.setShownPage(store.page().CurrentPage);
-    int printed = 0;
-    for (int copy = 0; copy < qMax(1, copies); ++copy)
+    // The wait window shows how far the job is and holds its stop; a stopped job is thrown away
+    // rather than half printed. While it runs, only the stop can be pressed.
+    toolkit::WaitWindow wait(&main_);
+    wait.setWindowModality(Qt::ApplicationModal);
+    wait.setWindowTitle(tr("Print"));
+    wait.begin();
+    const int total = int(records.size()) * qMax(1, copies);
+    int printed = 0, done = 0;
+    bool stopped = false;
+    for (int copy = 0; copy < qMax(1, copies) && !stopped; ++copy)
         for (const int record : records) {
-            QCoreApplication::processEvents();
+            if (done % 10 == 0) {
+                wait.setPercent(int(100LL * done / qMax(1, total)));
+                if ((stopped = wait.cancelled()))
+                    break;
+            }
+            ++done;
             if (!store.JumpToRecord(record))
                 continue; // a record that cannot be read is left out, as a drawing step that fails
             drawing.PrintRecordPages(device, store.page());
             ++printed;
         }
-    Status ended = device.EndDoc();
+    wait.end();
+    Status ended;
+    if (stopped)
+        device.KillDoc();
+    else
+        ended = device.EndDoc();
     if (before >= 1 && before <= store.RecordCount())
         std::ignore = store.JumpToRecord(before); // the printed pages are out; the record shown comes back if it can
     main_.host().announceRecordShown();

@@ -15,6 +15,7 @@
 #include "store/Database.h"
 #include "support/ExampleImage.h"
 #include "support/Programs.h"
+#include "toolkit/WaitWindow.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -24,6 +25,7 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QtTest>
 
 using namespace ff;
@@ -136,6 +138,27 @@ private Q_SLOTS:
         preview->close();
         QSettings ini(SettingsStore::filePath(window.printing().applicationKey()), QSettings::IniFormat);
         QVERIFY(ini.contains(QStringLiteral("settings/invoicesreportwidth")));
+
+        // A print stopped from its wait window ends there and its job is thrown away.
+        QPrinter stopped;
+        stopped.setOutputFormat(QPrinter::PdfFormat);
+        stopped.setOutputFileName(dir.filePath(QStringLiteral("stopped.pdf")));
+        QTimer presser;
+        presser.setInterval(0);
+        bool pressed = false;
+        connect(&presser, &QTimer::timeout, [&pressed] {
+            for (QWidget *w : QApplication::topLevelWidgets())
+                if (auto *wait = qobject_cast<toolkit::WaitWindow *>(w); wait && wait->isVisible() && !pressed) {
+                    pressed = true;
+                    QTest::mouseClick(wait->stopButton(), Qt::LeftButton);
+                }
+        });
+        presser.start();
+        const Result<int> part = window.printing().printRecords(stopped, {1, 2, 3, 4, 5, 6, 7}, 0, 1, 20, false);
+        presser.stop();
+        QVERIFY(pressed && part);
+        QVERIFY2(*part < 140, qPrintable(QString::number(*part)));
+        QCOMPARE(window.database().store().CurrentRecord(), 2);
 
         // A double click on the logo shows it, in its own size, in the full-picture window.
         QWidget *logo = window.canvas()->pictureWidget(0);
