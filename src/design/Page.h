@@ -24,6 +24,9 @@ struct FlowLabel {
     QString text;
     int32_t color = 0;
     int32_t left = 0, top = 0;
+    // The size on screen in twips, set by sizing the label; 0 follows the text. Not stored with
+    // the record, which keeps only the place.
+    int32_t width = 0, height = 0;
 };
 
 // A free picture of the per-record flow layer; its image is Images/<FlowImageId>.gif.
@@ -67,11 +70,14 @@ public:
     void setTitleCaption(int index, const QString &text);
     void setCurrentPage(int page);
     void notifyAll() { Q_EMIT reset(); }
+    // The flow layer (FlowLabels, FlowImages) was edited in place.
+    void notifyFlow() { Q_EMIT flowChanged(); }
 
 Q_SIGNALS:
     void elementChanged(ff::ElementKind kind, int index);
     void pageChanged(int page);
     void reset();
+    void flowChanged();
 
 private:
     const Design &design_;
