@@ -4,7 +4,7 @@ set -euo pipefail
 
 PACKAGES=(
   build-essential cmake ninja-build ccache pkg-config
-  qt6-base-dev libgl-dev libjpeg62-turbo-dev
+  qt6-base-dev libgl-dev libjpeg62-turbo-dev libpodofo-dev libfontconfig-dev
   libgtest-dev
   python3 sqlite3
   xvfb xauth fonts-dejavu-core

@@ -5,6 +5,7 @@
 #include "cli/ExportCommand.h"
 #include "cli/FormulasCommand.h"
 #include "cli/ImportCommand.h"
+#include "cli/MailCommand.h"
 #include "cli/PrintCommand.h"
 #include "cli/RecordsCommand.h"
 #include "cli/SearchCommand.h"
@@ -24,6 +25,7 @@ std::vector<std::unique_ptr<Command>> allCommands()
     commands.push_back(std::make_unique<ExportCommand>());
     commands.push_back(std::make_unique<ImportCommand>());
     commands.push_back(std::make_unique<PrintCommand>());
+    commands.push_back(std::make_unique<MailCommand>());
     return commands;
 }
 

@@ -2,6 +2,7 @@
 
 #include "export/RecordExport.h"
 #include "export/XmlRecord.h"
+#include "pdf/PdfRecordExport.h"
 #include "search/SearchEngine.h"
 #include "search/SearchNames.h"
 #include "search/SortIndexBuilder.h"
@@ -9,6 +10,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonObject>
 
 #include <optional>
@@ -17,7 +19,7 @@ namespace ff::cli {
 
 namespace {
 
-const char kKinds[] = "text, copy, template:I, templates:I, xls, listing, html, htm, php or xml";
+const char kKinds[] = "text, copy, template:I, templates:I, xls, listing, html, htm, php, pdf, pdfs or xml";
 
 // The kinds by name; xml, one record's text, is told apart ahead of these.
 std::optional<ExportChoice> parseKind(const QString &word)
@@ -37,6 +39,10 @@ std::optional<ExportChoice> parseKind(const QString &word)
         return ExportChoice{ExportKind::HtmlCurrent, -1, true};
     if (kind == QLatin1String("php"))
         return ExportChoice{ExportKind::PhpSite, -1, true};
+    if (kind == QLatin1String("pdf"))
+        return ExportChoice{ExportKind::Pdf, -1, true};
+    if (kind == QLatin1String("pdfs"))
+        return ExportChoice{ExportKind::PdfPerRecord, -1, true};
     for (const bool oneFile : {true, false}) {
         const QString prefix = oneFile ? QStringLiteral("template:") : QStringLiteral("templates:");
         if (!kind.startsWith(prefix))
@@ -57,7 +63,8 @@ ExportCommand::ExportCommand()
                       QStringLiteral("Writes records to a file as the export command does.\n"
                                      "KIND is text, copy, template:I (template I, 0 to 9, one file), templates:I (a file\n"
                                      "a record in a folder), xls, listing, html (a folder of record pages with index.php),\n"
-                                     "htm (the pages of record --record N, 1 unless given) or php (the form site). OUT is\n"
+                                     "htm (the pages of record --record N, 1 unless given), php (the form site), pdf (one\n"
+                                     "PDF document) or pdfs (a PDF document a record, OUT and its place in ten digits). OUT is\n"
                                      "the folder and name; the kind adds its extension. All records in file order unless\n"
                                      "--from, --to, --sort or --search.\n"
                                      "KIND xml writes the XML text of record --record N to OUT (\"-\": standard output).")),
@@ -225,6 +232,9 @@ int ExportCommand::executeOn(CliDatabase &database, const QStringList &arguments
         return 1;
     }
 
+    if (request.choice.kind == ExportKind::Pdf || request.choice.kind == ExportKind::PdfPerRecord)
+        return exportPdf(database, request, parser, io);
+
     const bool web = web::WebExport::handles(request.choice.kind);
     RecordExport exporter(store, database.context());
     web::WebExport webExporter(store, database.context(), database.db().paths().AppFolder);
@@ -245,6 +255,34 @@ int ExportCommand::executeOn(CliDatabase &database, const QStringList &arguments
     if (done->pictures > 0)
         io.out << " with " << done->pictures << (done->pictures == 1 ? " picture" : " pictures");
     io.out << "\n";
+    return 0;
+}
+
+int ExportCommand::exportPdf(CliDatabase &database, const ExportRequest &request, const QCommandLineParser &parser,
+                             CommandIo &io)
+{
+    const bool perRecord = request.choice.kind == ExportKind::PdfPerRecord;
+    const QString base = QDir(request.folder).filePath(CutExportExtension(request.name));
+    pdf::PdfRecordExport exporter(database.db().store(), database.context(), database.db().paths().AppFolder);
+    const Result<pdf::PdfOutcome> done =
+        exporter.PrintPDF(perRecord ? base : base + QStringLiteral(".pdf"),
+                          perRecord ? pdf::PdfMode::DocumentPerRecord : pdf::PdfMode::OneDocument, request.range);
+    if (!done) {
+        io.err << name() << ": " << done.error().text << "\n";
+        return 1;
+    }
+    if (jsonWanted(parser)) {
+        writeJson(io.out, QJsonDocument(QJsonObject{{QStringLiteral("records"), done->records},
+                                                    {QStringLiteral("pages"), done->pages},
+                                                    {QStringLiteral("files"), QJsonArray::fromStringList(done->files)}}));
+        return 0;
+    }
+    io.out << "exported " << done->records << (done->records == 1 ? " record" : " records") << " on " << done->pages
+           << (done->pages == 1 ? " page" : " pages") << " to ";
+    if (done->files.size() == 1)
+        io.out << QDir::toNativeSeparators(done->files.first()) << "\n";
+    else
+        io.out << done->files.size() << " files named " << QDir::toNativeSeparators(base) << "NNNNNNNNNN.pdf\n";
     return 0;
 }
 

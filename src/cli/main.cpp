@@ -16,16 +16,17 @@
 
 int main(int argc, char **argv)
 {
-    // The print verb and the web kinds of the export verb draw pages and measure text: that needs Qt Gui's fonts and
+    // The print and mail verbs and the web and PDF kinds of the export verb draw pages and measure text: that needs Qt Gui's fonts and
     // pictures, so they get a QGuiApplication, on the offscreen platform unless one is named,
     // because a command line tool must run without a display. Everything else keeps the lighter
     // core application and its quicker start. (An argument that merely looks like a web kind
     // costs only that start.)
     // The print verb draws every time.
-    bool drawing = argc > 1 && std::strcmp(argv[1], "print") == 0;
+    bool drawing = argc > 1 && (std::strcmp(argv[1], "print") == 0 || std::strcmp(argv[1], "mail") == 0);
     if (argc > 1 && std::strcmp(argv[1], "export") == 0) {
         for (int i = 2; i < argc; ++i)
             drawing = drawing || std::strcmp(argv[i], "html") == 0 || std::strcmp(argv[i], "htm") == 0
+                      || std::strcmp(argv[i], "pdf") == 0 || std::strcmp(argv[i], "pdfs") == 0
                       || std::strcmp(argv[i], "php") == 0;
     }
     if (drawing && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
