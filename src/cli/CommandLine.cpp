@@ -7,6 +7,7 @@
 #include "cli/ImportCommand.h"
 #include "cli/MailCommand.h"
 #include "cli/PrintCommand.h"
+#include "cli/ChartCommand.h"
 #include "cli/RecordsCommand.h"
 #include "cli/SearchCommand.h"
 #include "cli/SortCommand.h"
@@ -26,6 +27,7 @@ std::vector<std::unique_ptr<Command>> allCommands()
     commands.push_back(std::make_unique<ImportCommand>());
     commands.push_back(std::make_unique<PrintCommand>());
     commands.push_back(std::make_unique<MailCommand>());
+    commands.push_back(std::make_unique<ChartCommand>());
     return commands;
 }
 

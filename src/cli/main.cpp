@@ -23,6 +23,11 @@ int main(int argc, char **argv)
     // costs only that start.)
     // The print verb draws every time.
     bool drawing = argc > 1 && (std::strcmp(argv[1], "print") == 0 || std::strcmp(argv[1], "mail") == 0);
+    // The chart verb draws only with --png.
+    if (argc > 1 && std::strcmp(argv[1], "chart") == 0) {
+        for (int i = 2; i < argc; ++i)
+            drawing = drawing || std::strcmp(argv[i], "--png") == 0 || std::strncmp(argv[i], "--png=", 6) == 0;
+    }
     if (argc > 1 && std::strcmp(argv[1], "export") == 0) {
         for (int i = 2; i < argc; ++i)
             drawing = drawing || std::strcmp(argv[i], "html") == 0 || std::strcmp(argv[i], "htm") == 0

@@ -219,7 +219,12 @@ void Printer::Circle(double x, double y, double radius, int32_t colour, double s
         double span = to - from;
         if (span < 0)
             span += 2 * M_PI;
-        painter_.drawArc(r, int(std::lround(qRadiansToDegrees(from) * 16)), int(std::lround(qRadiansToDegrees(span) * 16)));
+        const int a = int(std::lround(qRadiansToDegrees(from) * 16)), b = int(std::lround(qRadiansToDegrees(span) * 16));
+        // A negative angle (also -0) draws the radius to that end: both negative close a filled wedge.
+        if (std::signbit(start) && std::signbit(end))
+            painter_.drawPie(r, a, b);
+        else
+            painter_.drawArc(r, a, b);
     }
     painter_.restore();
     currentX_ = x;

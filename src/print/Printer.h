@@ -87,7 +87,8 @@ public:
     void Print(const QString &text = QString(), bool lineEnd = true);
     void Line(double x1, double y1, double x2, double y2, int32_t colour, LineKind kind = LineKind::Line);
     // An ellipse round (x, y): the radius is the longer half-axis, `aspect` height over width;
-    // with `start` and `end` (radians) different, only that arc.
+    // with `start` and `end` (radians) different, only that arc; both negative (-0 too), the wedge
+    // with its two radii, filled.
     void Circle(double x, double y, double radius, int32_t colour, double start = 0, double end = 0, double aspect = 1);
     // `width` and `height` below 0: the picture's natural size. `source`, in twips of the picture,
     // empty: all of it.

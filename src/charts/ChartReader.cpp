@@ -1,0 +1,43 @@
+#include "charts/ChartReader.h"
+
+namespace ff::charts {
+
+namespace {
+
+SearchKind searchKindOf(ChartKind kind)
+{
+    switch (kind) {
+    case ChartKind::Field: return SearchKind::Field;
+    case ChartKind::Combo: return SearchKind::Combo;
+    case ChartKind::Check: return SearchKind::Check;
+    }
+    return SearchKind::None;
+}
+
+} // namespace
+
+ChartReader::ChartReader(RecordStore &store, ChartKind kind, int index)
+    : store_(store), names_(store.design(), store.layout()), field_(names_.describe(searchKindOf(kind), index)),
+      reader_(store.codec().decimalSeparator(), QLocale(), StoredBytes(store.design().ScrambleRecords == 1)),
+      recordCount_(store.RecordCount()), order_(store.browseOrder()), index_(store.SortIndex())
+{
+}
+
+bool ChartReader::numeric() const
+{
+    return field_.kind == SearchKind::Field && field_.format >= 1 && field_.format <= 5;
+}
+
+bool ChartReader::storedNumber() const
+{
+    return field_.kind == SearchKind::Field && field_.format >= 1 && field_.format <= 9;
+}
+
+bool ChartReader::readNumbers(std::vector<double> &into, Progress *progress)
+{
+    into.clear();
+    into.reserve(size_t(recordCount_));
+    return walk([&](const uint8_t *record) { into.push_back(reader_.numberValue(field_, record)); }, progress);
+}
+
+} // namespace ff::charts
