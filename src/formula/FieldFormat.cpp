@@ -1,6 +1,7 @@
 #include "formula/FieldFormat.h"
 
 #include "formula/DateNumber.h"
+#include "formula/FixedNumberText.h"
 #include "formula/NumberText.h"
 
 #include <optional>
@@ -9,22 +10,13 @@ namespace ff {
 
 QString FormatFixed(double value, int decimals, const QLocale &locale, bool grouping)
 {
-    // Setting a locale's options makes a private copy of it: the two variants of the last locale
-    // asked for are kept, one set per thread, since this runs for every number a formula shows.
-    struct Variants {
-        QLocale of;
-        QLocale grouped;
-        QLocale plain;
-    };
-    thread_local std::optional<Variants> last;
-    if (!last || last->of != locale || last->of.numberOptions() != locale.numberOptions()) {
-        QLocale grouped = locale;
-        grouped.setNumberOptions(locale.numberOptions() & ~QLocale::NumberOptions(QLocale::OmitGroupSeparator));
-        QLocale plain = locale;
-        plain.setNumberOptions(locale.numberOptions() | QLocale::OmitGroupSeparator);
-        last = Variants{locale, grouped, plain};
-    }
-    return (grouping ? last->grouped : last->plain).toString(RoundHalfAway(value, decimals), 'f', decimals);
+    // The notation of the last locale asked for is kept, one for each grouping and thread: this
+    // runs for every number a formula shows.
+    thread_local std::optional<FixedNumberText> last[2];
+    std::optional<FixedNumberText> &notation = last[grouping ? 1 : 0];
+    if (!notation || !notation->isFor(locale, grouping))
+        notation.emplace(locale, grouping);
+    return notation->text(value, decimals);
 }
 
 QString FormatCurrency(double value, int decimals, const QLocale &locale)

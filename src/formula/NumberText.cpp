@@ -109,16 +109,43 @@ QString NumberToText(double value, const QString &decimalSeparator)
 
 namespace {
 
+// The value's 15 significant digits as d.dddddddddddddde+XX, as printf's "%.14e" writes them.
+char *scientific15(double value, char (&buffer)[64])
+{
+    char *end = std::to_chars(buffer, buffer + sizeof buffer - 1, std::fabs(value), std::chars_format::scientific, 14).ptr;
+    *end = '\0';
+    return end;
+}
+
 // Rounds the 15 significant digits of `value` at `decimals` places; `halfEven` picks the tie rule.
 double roundDecimal(double value, int decimals, bool halfEven)
 {
     if (!std::isfinite(value) || value == 0.0)
         return value == 0.0 ? 0.0 : value;
-    const bool negative = value < 0;
+    if (const std::optional<DecimalDigits> d = RoundedDigits(value, decimals, halfEven)) {
+        if (d->digits == 0)
+            return 0.0;
+        std::string out = d->negative ? "-" : "";
+        out += std::to_string(d->digits);
+        out += 'e';
+        out += std::to_string(-decimals);
+        return readDecimal(out);
+    }
     char buffer[64];
-    // d.dddddddddddddde+XX, as printf's "%.14e" writes it
-    char *end = std::to_chars(buffer, buffer + sizeof buffer - 1, std::fabs(value), std::chars_format::scientific, 14).ptr;
-    *end = '\0';
+    scientific15(value, buffer);
+    return readDecimal(buffer) * (value < 0 ? -1 : 1);
+}
+
+} // namespace
+
+std::optional<DecimalDigits> RoundedDigits(double value, int decimals, bool halfEven)
+{
+    if (!std::isfinite(value))
+        return std::nullopt;
+    if (value == 0.0)
+        return DecimalDigits{};
+    char buffer[64];
+    scientific15(value, buffer);
     long long digits = 0;
     const char *p = buffer;
     for (; *p && *p != 'e'; ++p) {
@@ -126,12 +153,12 @@ double roundDecimal(double value, int decimals, bool halfEven)
             digits = digits * 10 + (*p - '0');
     }
     const int exponent = *p == 'e' ? std::atoi(p + 1) : 0;
-    // digits × 10^(exponent - 14) is the value; keep the digits down to 10^-decimals.
+    // digits x 10^(exponent - 14) is the value; keep the digits down to 10^-decimals.
     const int keep = exponent + 1 + decimals;
     if (keep >= 15)
-        return readDecimal(buffer) * (negative ? -1 : 1);
+        return std::nullopt; // nothing to round: the 15 digits reach below 10^-decimals
     if (keep < 0)
-        return 0.0;
+        return DecimalDigits{};
     const int drop = 15 - keep;
     long long scale = 1;
     for (int k = 0; k < drop; ++k)
@@ -141,16 +168,8 @@ double roundDecimal(double value, int decimals, bool halfEven)
     const long long half = scale / 2;
     if (rest > half || (rest == half && (!halfEven || (kept % 2) != 0)))
         ++kept;
-    if (kept == 0)
-        return 0.0;
-    std::string out = negative ? "-" : "";
-    out += std::to_string(kept);
-    out += 'e';
-    out += std::to_string(-decimals);
-    return readDecimal(out);
+    return DecimalDigits{value < 0 && kept != 0, kept};
 }
-
-} // namespace
 
 double RoundHalfEven(double value, int decimals) { return roundDecimal(value, decimals, true); }
 double RoundHalfAway(double value, int decimals) { return roundDecimal(value, decimals, false); }

@@ -31,6 +31,16 @@ double RoundHalfEven(double value, int decimals);
 // The same with halves away from zero: how the system's number and currency formats round.
 double RoundHalfAway(double value, int decimals);
 
+// A value rounded at `decimals` places as the two above round it, as whole digits:
+// (negative ? -1 : 1) x digits x 10^-decimals. No value where the 15 significant digits reach below
+// 10^-decimals (nothing is rounded then) or the value is not finite. A value that rounds to zero
+// has digits 0 and is not negative.
+struct DecimalDigits {
+    bool negative = false;
+    long long digits = 0;
+};
+std::optional<DecimalDigits> RoundedDigits(double value, int decimals, bool halfEven);
+
 // A text that is a number as a whole (blanks around it allowed), as a conversion to a number would
 // accept it; no value for anything else, the empty text included.
 std::optional<double> ParseNumericText(const QString &text);

@@ -4,11 +4,17 @@
 #include "formula/DateNumber.h"
 #include "formula/DateReader.h"
 #include "formula/FieldFormat.h"
+#include "formula/FixedNumberText.h"
+#include "formula/NumberText.h"
 #include "formula/SetFieldDefault.h"
 
 #include "QtPrinters.h"
 
 #include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <vector>
 
 using namespace ff;
 
@@ -31,6 +37,46 @@ TEST(FieldFormat, NumbersRoundHalfAwayWithGrouping)
         EXPECT_EQ(FormatStoredValue(row.value, row.type, kUs), QLatin1String(row.text)) << row.text;
     EXPECT_EQ(FormatFixed(1234567, 0, kUs, false), "1234567");
     EXPECT_EQ(FormatCurrency(1234.5, 2, kUs), "$1,234.50");
+}
+
+TEST(FieldFormat, FixedPlacesAreTheLocalesOwnTexts)
+{
+    // The fixed-place texts are made from a notation learned once per locale; they must be the
+    // locale's own formatting of the rounded value for every locale, grouping, size and sign,
+    // including locales whose group marks are not every three digits or whose digits are not ASCII.
+    const QLocale locales[] = {kUs,
+                               QLocale(QLocale::German, QLocale::Germany),
+                               QLocale(QLocale::French, QLocale::France),
+                               QLocale(QLocale::German, QLocale::Switzerland),
+                               QLocale(QLocale::Hindi, QLocale::India),
+                               QLocale(QLocale::Spanish, QLocale::Spain),
+                               QLocale(QLocale::Arabic, QLocale::Egypt),
+                               QLocale(QLocale::Persian, QLocale::Iran),
+                               QLocale::c()};
+    std::mt19937_64 random(7);
+    std::vector<double> values = {0.0, 0.005, -0.005, 0.125, 2.675, -2.675, 1e15, 123456789012345.6, -9.99995e14};
+    for (int k = 0; k < 400; ++k) {
+        const double magnitude = std::pow(10.0, double(random() % 19) - 4.0);
+        const double value = double(int64_t(random() % 2000001) - 1000000) / 1000000.0 * magnitude;
+        values.push_back(value);
+        values.push_back(std::round(value * 1000.0) / 1000.0 + 0.0005); // a half at three places
+    }
+    // The common notations are learned, so their texts above come from the learned notation.
+    for (const QLocale &locale : {locales[0], locales[1], locales[2], locales[3], locales[4], locales[8]})
+        EXPECT_TRUE(FixedNumberText(locale, true).learned()) << locale.name().toStdString();
+    for (const QLocale &locale : locales) {
+        for (const bool grouping : {true, false}) {
+            QLocale reference = locale;
+            reference.setNumberOptions(grouping ? QLocale::NumberOptions() : QLocale::OmitGroupSeparator);
+            for (const double value : values) {
+                for (int places = 0; places <= 4; ++places) {
+                    const QString expected = reference.toString(RoundHalfAway(value, places), 'f', places);
+                    ASSERT_EQ(FormatFixed(value, places, locale, grouping), expected)
+                        << locale.name().toStdString() << " " << value << " at " << places << (grouping ? " grouped" : "");
+                }
+            }
+        }
+    }
 }
 
 TEST(FieldFormat, DateAndTimeFormatsByCode)
