@@ -14,6 +14,7 @@ FlowLayer::FlowLayer(PageCanvas &canvas, const Page &page, const QString &imageF
     : QObject(parent), canvas_(canvas), page_(page), imageFolder_(imageFolder)
 {
     connect(&page_, &Page::reset, this, &FlowLayer::refresh);
+    connect(&page_, &Page::flowChanged, this, &FlowLayer::refresh);
     connect(&page_, &Page::pageChanged, this, &FlowLayer::showPage);
 }
 
@@ -47,6 +48,8 @@ void FlowLayer::refresh()
             w->setTextFormat(Qt::PlainText);
             if (watched)
                 w->installEventFilter(this);
+            if (editFilter_)
+                w->installEventFilter(editFilter_); // installed last, so it sees the events first
             list.push_back(w);
         }
     };
@@ -59,14 +62,41 @@ void FlowLayer::refresh()
     showPage(page_.CurrentPage);
 }
 
+void FlowLayer::setEditFilter(QObject *filter)
+{
+    for (std::vector<QLabel *> *list : {&labels_, &images_})
+        for (QLabel *w : *list) {
+            if (editFilter_)
+                w->removeEventFilter(editFilter_);
+            if (filter)
+                w->installEventFilter(filter);
+        }
+    editFilter_ = filter;
+}
+
+std::pair<int, int> FlowLayer::elementOf(const QObject *widget) const
+{
+    for (size_t i = 0; i < labels_.size(); ++i)
+        if (labels_[i] == widget)
+            return {1, int(i)};
+    for (size_t i = 0; i < images_.size(); ++i)
+        if (images_[i] == widget)
+            return {2, int(i)};
+    return {0, -1};
+}
+
 void FlowLayer::placeImage(QLabel *w, const FlowImage &im)
 {
     // The picture is stretched to the stored size; one missing from the folder leaves the box empty.
-    const QPixmap pix(imagePath(imageFolder_, im.FlowImageId));
-    w->setPixmap(pix);
-    w->setScaledContents(true);
-    if (pix.isNull())
-        w->clear();
+    // The file is read again only when the box shows another number (a drag re-places it often).
+    if (w->property("imageId").toInt() != im.FlowImageId || w->pixmap().isNull()) {
+        const QPixmap pix(imagePath(imageFolder_, im.FlowImageId));
+        w->setPixmap(pix);
+        w->setScaledContents(true);
+        if (pix.isNull())
+            w->clear();
+        w->setProperty("imageId", im.FlowImageId);
+    }
     w->setAccessibleName(QStringLiteral("Flow picture %1").arg(im.FlowImageId));
     if (im.FlowImageLink > 0)
         w->setCursor(Qt::PointingHandCursor);
@@ -102,7 +132,11 @@ void FlowLayer::placeLabel(QLabel *w, const FlowLabel &l)
     w->setAccessibleName(text);
     const double tpp = canvas_.twipsPerPixel();
     w->move(toPixels(l.left, tpp), toPixels(l.top, tpp));
-    w->resize(w->sizeHint());
+    // A label sized by hand keeps that size; one never sized follows its text.
+    if (l.width > 0 && l.height > 0)
+        w->resize(qMax(1, toPixels(l.width, tpp)), qMax(1, toPixels(l.height, tpp)));
+    else
+        w->resize(w->sizeHint());
 }
 
 void FlowLayer::showPage(int page)
@@ -131,8 +165,7 @@ bool FlowLayer::eventFilter(QObject *watched, QEvent *event)
             continue;
         const int32_t link = page_.FlowImages[qsizetype(i)].FlowImageLink;
         if (link > 0) {
-            // The sizing handle and the label editor that the jump also hides belong to page editing,
-            // which the layer does not offer yet.
+            // The page's editing hides its sizing handle and label editor when the record changes.
             Q_EMIT recordLinkClicked(link);
             return true;
         }

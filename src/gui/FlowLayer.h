@@ -7,7 +7,9 @@
 #include "design/Page.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QString>
+#include <utility>
 #include <vector>
 
 class QLabel;
@@ -32,6 +34,13 @@ public:
 
     // Where a flow picture's file is.
     static QString imagePath(const QString &imageFolder, int32_t imageId);
+    const QString &imageFolder() const { return imageFolder_; }
+
+    // Page editing: `filter` sees the mouse on every flow element before the layer does, so that
+    // a drag is not taken for a click on a link. Null stops it.
+    void setEditFilter(QObject *filter);
+    // The element a screen object shows: kind 1 a label, 2 a picture, with its index; {0, -1} none.
+    std::pair<int, int> elementOf(const QObject *widget) const;
 
 Q_SIGNALS:
     // A linked flow picture was clicked: the record it links to.
@@ -49,6 +58,7 @@ private:
     const Page &page_;
     QString imageFolder_;
     std::vector<QLabel *> labels_, images_;
+    QPointer<QObject> editFilter_;
 };
 
 } // namespace ff::gui

@@ -19,6 +19,9 @@
 #include "gui/FindReplaceWindow.h"
 #include "gui/PageBinder.h"
 #include "gui/PageCanvas.h"
+#include "gui/PageToolController.h"
+#include "gui/PictureLibraryWindow.h"
+#include "gui/ToolboxWindow.h"
 #include "gui/LoginWindow.h"
 #include "search/SearchNames.h"
 #include "store/Database.h"
@@ -348,6 +351,11 @@ void MainWindow::buildPage()
     binder_ = new PageBinder(*canvas_, db_->page(), *entry_, *actions_, this);
     flowLayer_ = new FlowLayer(*canvas_, db_->page(), QDir(paths_.AppFolder).filePath(QStringLiteral("Images")), this);
     connect(flowLayer_, &FlowLayer::recordLinkClicked, this, &MainWindow::jumpToRecord);
+    if (d.FlowPageEnabled == 1) {
+        pageTools_ = new PageToolController(*canvas_, *flowLayer_, db_->page(), db_->store(), this);
+        connect(pageTools_, &PageToolController::toolboxWanted, this, &MainWindow::showToolbox);
+    }
+    connect(binder_, &PageBinder::pictureEditorWanted, this, [this](int picture) { PictureLibraryWindow::openFor(*this, picture); });
     connect(binder_, &PageBinder::actionChanged, this, &MainWindow::showAction);
     connect(binder_, &PageBinder::datePickerWanted, this, &MainWindow::pickDate);
     connect(binder_, &PageBinder::fullViewWanted, this, [this](const QImage &picture) { printing_->showPicture(picture, this); });
@@ -586,6 +594,16 @@ void MainWindow::jumpToRecord(int record)
         std::ignore = db_->store().JumpToRecord(record);
     }
     recordShown();
+}
+
+void MainWindow::showToolbox()
+{
+    if (!pageTools_)
+        return;
+    if (!toolbox_)
+        toolbox_ = new ToolboxWindow(*pageTools_, this);
+    toolbox_->show();
+    toolbox_->raise();
 }
 
 void MainWindow::showAction(const FieldAction &action)

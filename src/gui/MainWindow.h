@@ -41,7 +41,9 @@ class MainWindowHost;
 class FindReplaceWindow;
 class PageBinder;
 class PageCanvas;
+class PageToolController;
 class RelayHost;
+class ToolboxWindow;
 
 class MainWindow : public QMainWindow {
     Q_OBJECT
@@ -57,6 +59,10 @@ public:
     FieldEntry &entry() { return *entry_; }
     PageCanvas *canvas() const { return canvas_; }
     FlowLayer *flowLayer() const { return flowLayer_; }
+    // Editing of the flow layer, on designs that allow it (null otherwise), and its toolbox.
+    PageToolController *pageTools() const { return pageTools_; }
+    ToolboxWindow *toolbox() const { return toolbox_; }
+    void showToolbox();
     QScrollArea *pageView() const { return scroll_; }
     QTabBar *pageTabs() const { return tabs_; }
     QLineEdit *recordBox() const { return recordBox_; }
@@ -122,6 +128,8 @@ private:
     PageCanvas *canvas_ = nullptr;
     PageBinder *binder_ = nullptr;
     FlowLayer *flowLayer_ = nullptr;
+    PageToolController *pageTools_ = nullptr;
+    ToolboxWindow *toolbox_ = nullptr;
     QTabBar *tabs_ = nullptr;
     QScrollArea *scroll_ = nullptr;
     QLabel *status_ = nullptr;

@@ -3,6 +3,7 @@
 #include "entry/FieldEntry.h"
 #include "entry/PageActions.h"
 #include "gui/PageCanvas.h"
+#include "pagetools/PictureNaming.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -227,7 +228,7 @@ QImage PageBinder::pictureImage(int i) const
     if (d.Pictures[size_t(i)].Stretch) {
         // The record's own file, in its own size, not the copy fitted to the element.
         const QString name = page_.PictureRecordName.value(i).trimmed();
-        return name.isEmpty() || pictureFolder_.isEmpty() ? QImage() : QImage(QDir(pictureFolder_).filePath(name));
+        return name.isEmpty() || pictureFolder_.isEmpty() ? QImage() : QImage(PictureNaming::filePath(pictureFolder_, name));
     }
     const auto *label = qobject_cast<const QLabel *>(canvas_.pictureWidget(i));
     return label ? label->pixmap().toImage() : QImage();
@@ -242,7 +243,8 @@ void PageBinder::refreshPicture(int i)
     if (!label)
         return;
     const QString name = page_.PictureRecordName.value(i).trimmed();
-    QPixmap pix = name.isEmpty() || pictureFolder_.isEmpty() ? blank_ : QPixmap(QDir(pictureFolder_).filePath(name));
+    // A name kept without its extension stands for its JPEG (or its file of another type).
+    QPixmap pix = name.isEmpty() || pictureFolder_.isEmpty() ? blank_ : QPixmap(PictureNaming::filePath(pictureFolder_, name));
     if (pix.isNull())
         label->clear();
     else
