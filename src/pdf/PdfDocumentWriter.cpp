@@ -65,7 +65,7 @@ struct PdfDocumentWriter::State {
     QHash<qint64, PdfImage *> images;
     std::vector<std::unique_ptr<PdfImage>> imageStore;
     QHash<QString, PdfFont *> fonts;     // text: subsets of the glyphs drawn
-    QHash<QString, PdfFont *> formFonts; // fields: whole fonts, so that any letter can be typed
+    QHash<QString, PdfFont *> formFonts; // fields: with the letters of the code page, so that any can be typed
 
     double x(double twips) const { return twips / kTwipsPerPoint; }
     double y(double twips) const { return heightPt - twips / kTwipsPerPoint; }
@@ -81,7 +81,7 @@ struct PdfDocumentWriter::State {
                         .arg(QString::fromLatin1(PdfError::ErrorName(e.GetError())));
     }
 
-    PdfFont *font(const PdfFontStyle &style, bool whole)
+    PdfFont *font(const PdfFontStyle &style, bool whole, const QString &letters = QString())
     {
         QHash<QString, PdfFont *> &cache = whole ? formFonts : fonts;
         const QString key = style.name + QLatin1Char('|') + QString::number(style.bold) + QString::number(style.italic);
@@ -96,12 +96,12 @@ struct PdfDocumentWriter::State {
         if (file.isEmpty())
             throw PdfError(ePdfError_InvalidFontFile);
         const QByteArray fileName = QFile::encodeName(file);
-        PdfFont *f = whole ? doc->CreateFont(family.constData(), style.bold, style.italic, false, new PdfIdentityEncoding(),
-                                             PdfFontCache::eFontCreationFlags_None, true, fileName.constData())
-                           : doc->CreateFontSubset(family.constData(), style.bold, style.italic, false,
-                                                   new PdfIdentityEncoding(), fileName.constData());
+        PdfFont *f = doc->CreateFontSubset(family.constData(), style.bold, style.italic, false, new PdfIdentityEncoding(),
+                                           fileName.constData());
         if (!f)
             throw PdfError(ePdfError_InvalidFontFile);
+        if (whole && !letters.isEmpty())
+            f->AddUsedSubsettingGlyphs(pdfText(letters), long(letters.size()));
         cache.insert(key, f);
         return f;
     }
@@ -175,16 +175,26 @@ Status PdfDocumentWriter::PlaceBitmap(const QImage &picture, double x, double y)
         Q_UNUSED(page);
         PdfImage *image = d_->images.value(picture.cacheKey());
         if (!image) {
-            const QImage rgb = picture.convertToFormat(QImage::Format_RGB888);
-            QByteArray bytes;
-            bytes.reserve(rgb.width() * rgb.height() * 3);
-            for (int row = 0; row < rgb.height(); ++row)
-                bytes.append(reinterpret_cast<const char *>(rgb.constScanLine(row)), rgb.width() * 3);
+            // Compressed once per writer: a document a record places the same background again.
+            auto packed = compressed_.find(picture.cacheKey());
+            if (packed == compressed_.end()) {
+                const QImage rgb = picture.convertToFormat(QImage::Format_RGB888);
+                QByteArray bytes;
+                bytes.reserve(rgb.width() * rgb.height() * 3);
+                for (int row = 0; row < rgb.height(); ++row)
+                    bytes.append(reinterpret_cast<const char *>(rgb.constScanLine(row)), rgb.width() * 3);
+                // qCompress gives a zlib stream behind a 4-byte length: the stream is FlateDecode's.
+                packed = compressed_.insert(picture.cacheKey(), qCompress(bytes, 6).mid(4));
+                if (compressed_.size() > 64) { // the check pictures of many records: keep few
+                    const QByteArray kept = *packed;
+                    compressed_.clear();
+                    packed = compressed_.insert(picture.cacheKey(), kept);
+                }
+            }
             auto owned = std::make_unique<PdfImage>(d_->doc.get());
-            PdfMemoryInputStream stream(bytes.constData(), bytes.size());
-            TVecFilters filters;
-            filters.push_back(ePdfFilter_FlateDecode);
-            owned->SetImageData(rgb.width(), rgb.height(), 8, &stream, filters);
+            PdfMemoryInputStream stream(packed->constData(), packed->size());
+            owned->GetObject()->GetDictionary().AddKey(PdfName::KeyFilter, PdfName("FlateDecode"));
+            owned->SetImageDataRaw(picture.width(), picture.height(), 8, &stream);
             image = owned.get();
             d_->imageStore.push_back(std::move(owned));
             d_->images.insert(picture.cacheKey(), image);
@@ -277,7 +287,8 @@ Status PdfDocumentWriter::AddTextField(const PdfTextFieldSpec &spec)
             d_->form = d_->doc->GetAcroForm(true, ePdfAcroFormDefaultAppearance_None);
             d_->form->SetNeedAppearances(true); // readers draw the fields from /DA and the value
         }
-        PdfFont *font = d_->font(spec.font, true);
+        PdfFont *font = d_->font(spec.font, true, fieldLetters_);
+        font->AddUsedSubsettingGlyphs(pdfText(spec.value), long(spec.value.size()));
         PdfTextField field(page, d_->rect(spec.twips), d_->doc.get());
         field.SetFieldName(pdfText(spec.name));
         field.SetMultiLine(true);

@@ -12,6 +12,7 @@
 #include "core/Result.h"
 
 #include <QColor>
+#include <QHash>
 #include <QImage>
 #include <QRectF>
 #include <QString>
@@ -67,6 +68,11 @@ public:
     // Writes the file and closes the document.
     Status EndDocument();
 
+    // The letters a form field's font carries besides those of the values (a subset of the font
+    // is embedded): the letters of the record's code page, so that any letter a record can hold
+    // can be typed into a field. Set before the first field.
+    void setFieldLetters(const QString &letters) { fieldLetters_ = letters; }
+
     // The width of `text` in the current font, in twips.
     double TextWidth(const QString &text);
     int pageCount() const;
@@ -77,6 +83,9 @@ private:
     std::unique_ptr<State> d_;
     QColor pen_ = Qt::black, fill_ = Qt::white, text_ = Qt::black;
     PdfFontStyle font_;
+    QString fieldLetters_;
+    // Pictures compressed once for all documents of this writer (by QImage::cacheKey()).
+    QHash<qint64, QByteArray> compressed_;
 };
 
 } // namespace ff::pdf

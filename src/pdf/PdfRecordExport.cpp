@@ -1,5 +1,6 @@
 #include "pdf/PdfRecordExport.h"
 
+#include "core/CodePage.h"
 #include "export/ExportRecordReader.h"
 #include "export/ExportWalk.h"
 #include "formula/SubstituteTags.h"
@@ -299,6 +300,11 @@ Result<PdfOutcome> PdfRecordExport::PrintPDF(const QString &fileName, PdfMode mo
 
     PdfOutcome outcome;
     PdfDocumentWriter writer;
+    // A note holds the letters of the design's code page: the fields' fonts carry them all.
+    QByteArray page(224, Qt::Uninitialized);
+    for (int i = 0; i < page.size(); ++i)
+        page[i] = char(32 + i);
+    writer.setFieldLetters(CodePage(store_.design().FontCharset).decode(page));
     if (mode == PdfMode::OneDocument) {
         if (Status s = startDocument(writer, fileName); !s)
             return s.error();
