@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <algorithm>
+#include <tuple>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -200,21 +201,38 @@ Status RecordScanner::write(int64_t record, int offset, const QByteArray &bytes)
 
 bool RecordScanner::heldByOther(int64_t record)
 {
+    return lockByte(record, F_OFD_GETLK, F_WRLCK) == LockAnswer::Held;
+}
+
+bool RecordScanner::claim(int64_t record)
+{
+    return lockByte(record, F_OFD_SETLK, F_WRLCK) != LockAnswer::Held;
+}
+
+void RecordScanner::release(int64_t record)
+{
+    std::ignore = lockByte(record, F_OFD_SETLK, F_UNLCK); // a lock not taken has nothing to drop
+}
+
+RecordScanner::LockAnswer RecordScanner::lockByte(int64_t record, int command, short type)
+{
     if (record < 2)
-        return false;
+        return LockAnswer::Free;
     const Place p = place(record);
     const int fd = descriptor(p.part, true);
     if (fd < 0)
-        return false;
+        return LockAnswer::Free;
     struct flock lock {};
-    lock.l_type = F_WRLCK;
+    lock.l_type = type;
     lock.l_whence = SEEK_SET;
     lock.l_start = off_t(p.local * length_ - 1);
     lock.l_len = 1;
     lock.l_pid = 0;
-    if (::fcntl(fd, F_OFD_GETLK, &lock) != 0)
-        return false;
-    return lock.l_type != F_UNLCK;
+    if (::fcntl(fd, command, &lock) != 0)
+        return command == F_OFD_GETLK ? LockAnswer::Free : LockAnswer::Held; // no lock, no write
+    if (command == F_OFD_GETLK)
+        return lock.l_type != F_UNLCK ? LockAnswer::Held : LockAnswer::Free;
+    return LockAnswer::Free;
 }
 
 } // namespace ff

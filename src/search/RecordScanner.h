@@ -62,10 +62,19 @@ public:
     Status write(int64_t record, int offset, const QByteArray &bytes);
     // True when another descriptor holds the one-byte lock of `record` (record 1 is never locked).
     bool heldByOther(int64_t record);
+    // Takes the one-byte lock of `record` on the scanner's own descriptor without waiting: false
+    // when another descriptor holds it. A writer holds it from before its write until after, so no
+    // user takes the record between the test and the write. Record 1 is never locked: true.
+    bool claim(int64_t record);
+    void release(int64_t record);
 
     int recordLength() const { return length_; }
 
 private:
+    enum class LockAnswer { Free, Held };
+    // fcntl `command` (F_OFD_GETLK or F_OFD_SETLK) with `type` on the lock byte of `record`.
+    LockAnswer lockByte(int64_t record, int command, short type);
+
     struct Place {
         int part;
         int64_t local; // 1-based slot in the part

@@ -208,13 +208,16 @@ public:
         ++part_.found;
         if (!canWrite_ || query_.replacements.isEmpty())
             return;
-        if (scanner_.heldByOther(number)) {
+        // The record's lock is held across the write, as a user's save holds it: a user who
+        // takes the record a moment after the test would otherwise have it written under them.
+        if (!scanner_.claim(number)) {
             ++part_.skippedLocked;
             return;
         }
         bool written = true;
         for (const ReplacementRow &row : query_.replacements)
             written = scanner_.write(number, row.field.offset, row.bytes).ok() && written;
+        scanner_.release(number);
         if (written)
             ++part_.replacements;
     }

@@ -282,6 +282,49 @@ TEST_F(SearchEngineTest, ReplaceWritesPreparedBytesAndSkipsHeldRecords)
     EXPECT_EQ(db.run(QStringLiteral("count name=bob price=99.99")).CountTotal, 1);
 }
 
+// Watches the record file from another user's descriptor at every progress report of a walk.
+struct LockWatcher : Progress {
+    int fd;
+    int length;
+    int records;
+    int heldSeen = 0;
+    int reports = 0;
+    LockWatcher(const QString &path, int recordLength, int count)
+        : fd(::open(QFile::encodeName(path).constData(), O_RDWR)), length(recordLength), records(count)
+    {
+    }
+    ~LockWatcher() override { ::close(fd); }
+    void setPercent(int) override {}
+    bool cancelled() override
+    {
+        ++reports;
+        for (int r = 2; r <= records; ++r) {
+            struct flock lock {};
+            lock.l_type = F_WRLCK;
+            lock.l_whence = SEEK_SET;
+            lock.l_start = off_t(r) * length - 1;
+            lock.l_len = 1;
+            if (::fcntl(fd, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK)
+                ++heldSeen;
+        }
+        return false;
+    }
+};
+
+TEST_F(SearchEngineTest, ReplaceHoldsEachRecordOnlyWhileWritingIt)
+{
+    // Between two records of the walk no lock of the replace is left: a user can take any record
+    // the walk has passed, and the walk's own claims do not pile up.
+    LockWatcher watcher(db.store.file().partName(0), db.store.layout().RecordLength, db.store.RecordCount());
+    SearchOptions o;
+    o.progress = &watcher;
+    o.progressStep = 1;
+    const SearchResult r = db.run(QStringLiteral("replace city=Oslo where qty>=0"), o);
+    EXPECT_EQ(r.Replacements, db.store.RecordCount());
+    EXPECT_GE(watcher.reports, db.store.RecordCount() - 1);
+    EXPECT_EQ(watcher.heldSeen, 0);
+}
+
 TEST(SearchScrambled, ScrambledRecordsReadAndWriteThroughTheTable)
 {
     SearchDb db(true);
