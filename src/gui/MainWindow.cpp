@@ -16,6 +16,7 @@
 #include "gui/MainWindowHost.h"
 #include "gui/ResultsWindow.h"
 #include "gui/UsersWindow.h"
+#include "gui/ChartActions.h"
 #include "gui/FindReplaceWindow.h"
 #include "gui/PageBinder.h"
 #include "gui/PageCanvas.h"
@@ -254,6 +255,8 @@ void MainWindow::buildToolbar()
     actionButton_->setProperty("toolbarAction", QVariant::fromValue(static_cast<QObject *>(actionItem)));
 
     buildInfoCommands(bar);
+    charts_ = new ChartActions(*this);
+    charts_->addCommands(bar, menuBar());
 
     if (d.CaptionRun[0].isEmpty())
         open->setVisible(false);

@@ -39,6 +39,7 @@ class PrintActions;
 class FlowLayer;
 class MainWindowHost;
 class FindReplaceWindow;
+class ChartActions;
 class PageBinder;
 class PageCanvas;
 class PageToolController;
@@ -90,6 +91,8 @@ public:
     ExportImportActions &exportImport() { return *exportImport_; }
     // Printing records and reports.
     PrintActions &printing() { return *printing_; }
+    // The statistics command and its chart windows.
+    ChartActions &charts() { return *charts_; }
 
     // Opens (create false) or creates a data file by name, as the Open and Create commands do
     // after their file dialog.
@@ -150,6 +153,7 @@ private:
     FindReplaceWindow *replaceWindow_ = nullptr;
     ExportImportActions *exportImport_ = nullptr;
     PrintActions *printing_ = nullptr;
+    ChartActions *charts_ = nullptr;
     bool endingNow_ = false;
     bool loginRefused_ = false;
 };
