@@ -3,6 +3,12 @@
 //
 //   ff_soak_user run DIR USERS EDITS SEED      makes DIR/soak.dat, starts USERS users, verifies
 //   ff_soak_user user DATA ID EDITS SEED LOG   one user: EDITS random steps, each logged
+//   ff_soak_user make DATA                     the first records alone
+//   ff_soak_user crash DATA replace|add|save   works until killed, after printing "ready"
+//   ff_soak_user check DATA                    counts records that are not whole
+//
+// What the crash modes touch: replace writes the mark of the records in bucket 3, add adds
+// records, save writes new versions of records 2 to 21.
 //
 // Every version of a record names itself: its writer, the writer's sequence number, the version
 // it replaced (read under the record's lock), a bucket and a payload, and a check over all of
@@ -325,26 +331,80 @@ int verify(const QString &data, const QStringList &logs)
     return f.faults() ? 1 : 0;
 }
 
+// ---- the first records, and the modes the crash test kills ----
+
+int makeFirstRecords(const QString &data)
+{
+    QFile::remove(data);
+    Store s;
+    if (!s.store.openFileSet(data, OpenMode::Create, s.design.MainCap) || !s.store.showFirstRecord(OpenMode::Create, true))
+        return 4;
+    // Version "0:r" of every record, by nobody; record 1 is there already.
+    for (int r = 1; r <= kInitialRecords; ++r) {
+        if (r > 1 && !s.store.NewRecord())
+            return 4;
+        putOnPage(s.page, makeVersion(r, QStringLiteral("0"), r, QStringLiteral("init")));
+        if (!s.store.PackRecord())
+            return 4;
+    }
+    return 0;
+}
+
+int runUntilKilled(const QString &data, const QString &mode)
+{
+    Store s;
+    if (!s.store.openFileSet(data, OpenMode::Open, s.design.MainCap))
+        return 4;
+    std::printf("ready\n");
+    std::fflush(stdout);
+    for (int seq = 1;; ++seq) {
+        if (mode == QLatin1String("replace")) {
+            SearchEngine engine(s.store, QLatin1Char('.'));
+            const QString line = QStringLiteral("replace mark=k%1 where bucket=3").arg(seq);
+            std::ignore = engine.run(engine.compile(line, false, SearchField()), SearchOptions()); // killed midway
+        } else if (mode == QLatin1String("add")) {
+            if (!s.store.NewRecord())
+                return 1;
+            putOnPage(s.page, makeVersion(s.store.CurrentRecord(), QStringLiteral("9"), seq, QStringLiteral("new")));
+            if (!s.store.PackRecord())
+                return 1;
+        } else {
+            const int r = 2 + seq % 20;
+            if (!s.store.JumpToRecord(r) || !s.store.LockRecord())
+                return 1;
+            putOnPage(s.page, makeVersion(r, QStringLiteral("9"), seq, QStringLiteral("0:0")));
+            if (!s.store.PackRecord())
+                return 1;
+        }
+    }
+}
+
+int checkRecords(const QString &data)
+{
+    Store s;
+    if (!s.store.openFileSet(data, OpenMode::Open, s.design.MainCap, true))
+        return 4;
+    int broken = 0, blank = 0;
+    for (int r = 1; r <= s.store.RecordCount(); ++r) {
+        const Result<QByteArray> stored = s.store.readPlainRecord(r);
+        const Version v = stored ? readVersion(s.store.layout(), *stored) : Version();
+        if (stored && v.writer.isEmpty() && v.payload.isEmpty())
+            ++blank; // added, not filled in yet
+        else if (!whole(r, v) || (!v.mark.isEmpty() && !v.mark.startsWith(QLatin1Char('k'))))
+            ++broken;
+    }
+    std::printf("records %d, not whole %d, blank %d\n", s.store.RecordCount(), broken, blank);
+    return broken ? 1 : 0;
+}
+
 // ---- the run ----
 
 int runSoak(const QString &dir, int users, int edits, quint32 seed, const QString &self)
 {
     QDir().mkpath(dir);
     const QString data = dir + QStringLiteral("/soak.dat");
-    QFile::remove(data);
-    {
-        Store s;
-        if (!s.store.openFileSet(data, OpenMode::Create, s.design.MainCap) || !s.store.showFirstRecord(OpenMode::Create, true))
-            return 4;
-        // The first records, written as version "0:r" by nobody; record 1 is there already.
-        for (int r = 1; r <= kInitialRecords; ++r) {
-            if (r > 1 && !s.store.NewRecord())
-                return 4;
-            putOnPage(s.page, makeVersion(r, QStringLiteral("0"), r, QStringLiteral("init")));
-            if (!s.store.PackRecord())
-                return 4;
-        }
-    }
+    if (const int made = makeFirstRecords(data); made != 0)
+        return made;
     const auto started = std::chrono::steady_clock::now();
     std::vector<std::unique_ptr<QProcess>> running;
     QStringList logs;
@@ -381,6 +441,12 @@ int main(int argc, char **argv)
         return runSoak(a[2], a[3].toInt(), a[4].toInt(), a[5].toUInt(), app.applicationFilePath());
     if (a.size() == 7 && a[1] == QLatin1String("user"))
         return runUser(a[2], a[3], a[4].toInt(), a[5].toUInt(), a[6]);
+    if (a.size() == 3 && a[1] == QLatin1String("make"))
+        return makeFirstRecords(a[2]);
+    if (a.size() == 4 && a[1] == QLatin1String("crash"))
+        return runUntilKilled(a[2], a[3]);
+    if (a.size() == 3 && a[1] == QLatin1String("check"))
+        return checkRecords(a[2]);
     std::fprintf(stderr, "usage: ff_soak_user run DIR USERS EDITS SEED\n"
                          "       ff_soak_user user DATA ID EDITS SEED LOG\n");
     return 2;
