@@ -25,15 +25,25 @@ ChartModel BuildChart(RecordStore &store, ChartKind kind, int index, const QLoca
     if (!m.valid)
         return m;
     if (reader.numeric()) {
-        std::vector<double> values;
-        m.stopped = !reader.readNumbers(values, progress);
+        // One walk: the sum, the count and the distinct values with their counts, from which the
+        // statistics and the groups are made.
+        FixedCounts counts;
+        long double total = 0;
+        int64_t taken = 0;
+        m.stopped = !reader.readNumbers(
+            [&](double v) {
+                total += v;
+                ++taken;
+                counts.add(FieldReader::toFixed(v));
+            },
+            progress);
         if (m.stopped)
             return m;
         m.numeric = true;
-        m.stats = PieStats(values);
+        m.stats = PieStats(counts, total, taken);
         m.header = StatsHeaderTexts(m.stats, store.design().ChartTexts, locale);
         m.rows = StatsRows(m.stats, locale);
-        m.groups = NumberGroups(values, store.design(), index, store.hooks());
+        m.groups = NumberGroups(counts, store.design(), index, store.hooks());
         return m;
     }
     m.groups = PieChart(reader, store.design(), store.hooks(), store.codec().codePage(), progress);

@@ -33,11 +33,4 @@ bool ChartReader::storedNumber() const
     return field_.kind == SearchKind::Field && field_.format >= 1 && field_.format <= 9;
 }
 
-bool ChartReader::readNumbers(std::vector<double> &into, Progress *progress)
-{
-    into.clear();
-    into.reserve(size_t(recordCount_));
-    return walk([&](const uint8_t *record) { into.push_back(reader_.numberValue(field_, record)); }, progress);
-}
-
 } // namespace ff::charts

@@ -39,8 +39,12 @@ public:
     bool storedNumber() const;
     int64_t recordCount() const { return recordCount_; }
 
-    // The values as numbers, in browse order. False when stopped.
-    bool readNumbers(std::vector<double> &into, Progress *progress);
+    // Calls `visit(double)` with each value as a number, in browse order. False when stopped.
+    template <class Visit>
+    bool readNumbers(Visit &&visit, Progress *progress)
+    {
+        return walk([&](const uint8_t *record) { visit(reader_.numberValue(field_, record)); }, progress);
+    }
     // Calls `visit(const uint8_t *plain, int length)` with the plain slice of each record, in browse
     // order. False when stopped.
     template <class Visit>

@@ -3,6 +3,7 @@
 // table with linear probing, two flat arrays and no allocation per value, so that a million values
 // are counted in a few milliseconds.
 
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 #include <vector>

@@ -97,6 +97,11 @@ PieGroups NumberGroups(const std::vector<double> &values, const Design &design, 
     return rankNumbers(counts, design, field, hooks);
 }
 
+PieGroups NumberGroups(const FixedCounts &counts, const Design &design, int field, const FormulaHooks &hooks)
+{
+    return rankNumbers(counts, design, field, hooks);
+}
+
 PieGroups PieChart(ChartReader &reader, const Design &design, const FormulaHooks &hooks, const CodePage &codePage,
                    Progress *progress)
 {

@@ -6,6 +6,7 @@
 // stay and the rest go together under "Others" in row 31.
 
 #include "charts/ChartReader.h"
+#include "charts/FixedCounts.h"
 #include "core/CodePage.h"
 #include "store/FormulaHooks.h"
 
@@ -37,6 +38,7 @@ std::vector<PieGroup> RankGroups(std::vector<PieGroup> counted);
 
 // The groups of numbers already read (a number field whose statistics were made from them).
 PieGroups NumberGroups(const std::vector<double> &values, const Design &design, int field, const FormulaHooks &hooks);
+PieGroups NumberGroups(const FixedCounts &counts, const Design &design, int field, const FormulaHooks &hooks);
 
 // Reads the element of `reader` over all records and groups its values. `hooks` and `design` make
 // the texts of numbers and dates as the page shows them.

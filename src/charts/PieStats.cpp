@@ -42,21 +42,31 @@ double AxisTopFor(double m)
 
 PieStatsData PieStats(const std::vector<double> &values)
 {
+    FixedCounts counts;
+    long double total = 0;
+    for (const double v : values) {
+        total += v;
+        counts.add(FieldReader::toFixed(v));
+    }
+    return PieStats(counts, total, int64_t(values.size()));
+}
+
+PieStatsData PieStats(const FixedCounts &counts, long double total, int64_t valueCount)
+{
     PieStatsData d;
-    d.ValueCount = int64_t(values.size());
-    if (values.empty())
+    d.ValueCount = valueCount;
+    if (valueCount == 0)
         return d;
-    // The lowest and highest in fixed point; the order of the values matters for nothing else.
+    d.Total = total;
+    d.Average = double(total / (long double)valueCount);
+    const std::vector<std::pair<int64_t, int64_t>> entries = counts.entries();
     int64_t lowest = INT64_MAX, highest = INT64_MIN;
-    for (const double value : values) {
-        d.Total += value;
-        const int64_t v = FieldReader::toFixed(value);
-        lowest = std::min(lowest, v);
-        highest = std::max(highest, v);
+    for (const auto &entry : entries) {
+        lowest = std::min(lowest, entry.first);
+        highest = std::max(highest, entry.first);
     }
     d.Lowest = lowest;
     d.Highest = highest;
-    d.Average = double(d.Total / (long double)d.ValueCount);
 
     const double low = fixedToDouble(lowest), high = fixedToDouble(highest);
     const double raw = low < 0 ? (std::fabs(low) + high) / 10 : (high - low) / 10;
@@ -73,12 +83,11 @@ PieStatsData PieStats(const std::vector<double> &values)
     for (int k = 1; k <= kRanges; ++k)
         d.Bounds[size_t(k)] = start + int64_t(k) * step;
     // Range 10 takes every value not below the ninth bound, also those past the tenth.
-    for (const double value : values) {
-        const int64_t v = FieldReader::toFixed(value);
+    for (const auto &[v, count] : entries) {
         int k = 1;
         while (k < kRanges && !(v < d.Bounds[size_t(k)]))
             ++k;
-        ++d.RangeCounts[size_t(k - 1)];
+        d.RangeCounts[size_t(k - 1)] += count;
     }
     d.AxisTop = AxisTopFor(double(*std::max_element(d.RangeCounts.begin(), d.RangeCounts.end())));
     return d;

@@ -4,6 +4,8 @@
 // histogram's axis. Bounds and comparisons are in the 4-decimal fixed-point form of money, so
 // values that differ below 0.0001 count as equal.
 
+#include "charts/FixedCounts.h"
+
 #include <QLocale>
 #include <QString>
 #include <QStringList>
@@ -34,6 +36,9 @@ struct StatsRow {
 
 // The statistics of `values`; ValueCount 0 when there are none.
 PieStatsData PieStats(const std::vector<double> &values);
+// The same from the distinct values counted as they were read, their sum and their count: what a
+// walk over all records keeps, whatever their number.
+PieStatsData PieStats(const FixedCounts &counts, long double total, int64_t valueCount);
 
 // A raw step rounded up to the next power of ten from 0.0001 to 10000000000; a step of 0.0001 or
 // less, or above the last, stays as it is.

@@ -3,6 +3,7 @@
 // pool of keys, so that a million slices cost a fold, a hash and a compare each and no allocation.
 // Each entry keeps the least spelling (by byte) that was folded into it.
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <vector>
