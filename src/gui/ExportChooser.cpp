@@ -12,8 +12,8 @@ namespace ff::gui {
 
 namespace {
 
-// The kinds whose writers this program has; the others (PDF) are not offered rather than failing
-// after a name was chosen.
+// The kinds whose writers this program has; any other is not offered rather than failing after a
+// name was chosen.
 bool written(const ExportChoice &choice)
 {
     if (choice.isTemplate())
@@ -25,7 +25,9 @@ bool written(const ExportChoice &choice)
     case ExportKind::RecordCopy:
     case ExportKind::HtmlPages:
     case ExportKind::HtmlCurrent:
-    case ExportKind::PhpSite: return true;
+    case ExportKind::PhpSite:
+    case ExportKind::Pdf:
+    case ExportKind::PdfPerRecord: return true;
     default: return false;
     }
 }
@@ -43,6 +45,7 @@ QString writtenExtension(const Design &design, const ExportChoice &choice)
     case ExportKind::Listing: return QStringLiteral("rtf");
     case ExportKind::RecordCopy: return design.DataExtension;
     case ExportKind::PhpSite: return QStringLiteral("php");
+    case ExportKind::Pdf: return QStringLiteral("pdf");
     default: return QString();
     }
 }
@@ -78,6 +81,10 @@ QString ExportChooser::filterLine(const Design &, const ExportKindItem &item)
         what = tr("Web pages, a group a record");
     else if (c.kind == ExportKind::PhpSite)
         what = tr("Web form site (PHP)");
+    else if (c.kind == ExportKind::Pdf)
+        what = tr("PDF document");
+    else if (c.kind == ExportKind::PdfPerRecord)
+        what = tr("PDF documents, one a record");
     return QStringLiteral("%1 (%2)").arg(what, item.pattern);
 }
 

@@ -10,6 +10,7 @@
 #include "gui/ImportChooser.h"
 #include "gui/MainWindow.h"
 #include "gui/MainWindowHost.h"
+#include "pdf/PdfRecordExport.h"
 #include "store/Database.h"
 #include "store/RecordLayout.h"
 #include "toolkit/WaitWindow.h"
@@ -301,8 +302,10 @@ void ExportImportActions::runExport(const ExportRequest &request)
     RecordStore &store = main_.database().store();
     web::WebExport webExporter(store, main_.context(), main_.database().paths().AppFolder);
     const int current = qBound(1, store.CurrentRecord(), qMax(1, store.RecordCount()));
+    const bool pdf = request.choice.kind == ExportKind::Pdf || request.choice.kind == ExportKind::PdfPerRecord;
     const Result<ExportOutcome> done =
-        !web::WebExport::handles(request.choice.kind) ? exporter.run(request, wait_)
+        pdf ? exportPdf(request)
+        : !web::WebExport::handles(request.choice.kind) ? exporter.run(request, wait_)
         : request.choice.kind == ExportKind::HtmlCurrent
             ? webExporter.run(request.choice.kind, ExportRange::Records(current, current, store.RecordCount()),
                               request.folder, request.name, wait_)
@@ -326,6 +329,24 @@ void ExportImportActions::runExport(const ExportRequest &request)
     if (done->stopped)
         text += QLatin1Char('|') + tr("The export was stopped; what was written before the stop stays.");
     tell(text);
+}
+
+Result<ExportOutcome> ExportImportActions::exportPdf(const ExportRequest &request)
+{
+    // Every page of the design: the print options keep no page range between prints.
+    pdf::PdfRecordExport exporter(main_.database().store(), main_.context(), main_.database().paths().AppFolder);
+    const bool perRecord = request.choice.kind == ExportKind::PdfPerRecord;
+    const QString base = QDir(request.folder).filePath(CutExportExtension(request.name));
+    const Result<pdf::PdfOutcome> done =
+        exporter.PrintPDF(perRecord ? base : base + QStringLiteral(".pdf"),
+                          perRecord ? pdf::PdfMode::DocumentPerRecord : pdf::PdfMode::OneDocument, request.range, wait_);
+    if (!done)
+        return done.error();
+    ExportOutcome outcome;
+    outcome.records = done->records;
+    outcome.stopped = done->stopped;
+    outcome.path = perRecord ? base + QStringLiteral("*.pdf") : base + QStringLiteral(".pdf");
+    return outcome;
 }
 
 void ExportImportActions::importRecords()

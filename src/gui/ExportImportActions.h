@@ -6,6 +6,7 @@
 // is told in a message and what was written stays. The engine does the work (src/export); this
 // class chooses, shows and reports.
 
+#include "export/ExportOutcome.h"
 #include "pdfmail/JpegPictureSink.h"
 
 #include <QByteArray>
@@ -77,6 +78,8 @@ public:
 private:
     void chooseAndExport(const QVector<int> *resultList, QWidget *over);
     void runExport(const ExportRequest &request);
+    // Kinds 20 and 21: the records' pages as PDF documents.
+    Result<ExportOutcome> exportPdf(const ExportRequest &request);
     class FieldLeft;
     // The store still holds only the blank record its opening made.
     bool onlyBlankRecord();

@@ -10,6 +10,7 @@
 #include "gui/AboutWindow.h"
 #include "gui/ExportImportActions.h"
 #include "gui/PrintActions.h"
+#include "gui/MailActions.h"
 #include "gui/FlowLayer.h"
 #include "gui/PageScrollBar.h"
 #include "gui/Twips.h"
@@ -179,6 +180,8 @@ void MainWindow::buildToolbar()
     const QString printCaption = d.CaptionRun[2].isEmpty() ? tr("&Print") : d.CaptionRun[2];
     QAction *printCommand = menu->addAction(printCaption + QStringLiteral("..."), this, [this] { printing_->printRecord(this); });
     printCommand->setObjectName(QStringLiteral("printCommand"));
+    mail_ = new MailActions(*this);
+    mail_->addCommands(menu, bar);
     menu->addSeparator();
     if (UsersWindow::offeredTo(*db_)) {
         // Named as the users window is (row 10 of the caption run is the calculator icon's tool tip).

@@ -36,6 +36,7 @@ namespace ff::gui {
 class SearchLineWindow;
 class ExportImportActions;
 class PrintActions;
+class MailActions;
 class FlowLayer;
 class MainWindowHost;
 class FindReplaceWindow;
@@ -153,6 +154,7 @@ private:
     FindReplaceWindow *replaceWindow_ = nullptr;
     ExportImportActions *exportImport_ = nullptr;
     PrintActions *printing_ = nullptr;
+    MailActions *mail_ = nullptr;
     ChartActions *charts_ = nullptr;
     bool endingNow_ = false;
     bool loginRefused_ = false;

@@ -5,12 +5,14 @@
 #include "export/ExportWalk.h"
 #include "formula/SubstituteTags.h"
 #include "pdf/PdfDocumentWriter.h"
-#include "print/ImageTarget.h"
 #include "print/Printer.h"
 #include "print/RecordPrinter.h"
+#include "web/PageBackground.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QFontMetrics>
+#include <QPainter>
 #include <cmath>
 
 namespace ff::pdf {
@@ -78,33 +80,50 @@ QString PdfRecordExport::DocumentName(const QString &fileName, int position)
 
 QImage PdfRecordExport::CreateBackGround(int page) const
 {
-    // The record printer draws the page without anything of a record: no texts, no labels, no
-    // check fields, no per-record pictures; fixed pictures are part of the background.
-    Design bare = store_.design();
-    for (TitleElement &t : bare.Titles)
-        t.TitlePrint = 0;
-    for (CheckElement &c : bare.Checks)
-        c.CheckPrint = 0;
-    for (PictureElement &p : bare.Pictures)
-        p.PicturePrint = p.Stretch ? 0 : 1;
-    Page empty(bare);
-    for (QString &caption : empty.TitleCaption)
-        caption.clear();
-    print::RecordPrinter drawing(bare, pictureFolder_);
-    drawing.setPageRange(page, page);
-    print::ImageTarget target(QSizeF(bare.PageWidth, bare.PageHeight));
-    {
-        print::Printer printer(target);
-        drawing.PrintRecordPages(printer, empty);
-        std::ignore = printer.EndDoc(); // a picture in memory cannot fail to end
+    // The page as the window paints it under its controls: colour, tiled picture, shapes, lines,
+    // frames and buttons; then the boxes of the fields, combos and notes in their colours, and the
+    // fixed pictures. Nothing of a record: texts, check fields and record pictures come per page.
+    const Design &design = store_.design();
+    QImage image = web::PageBackground(design, pictureFolder_).render(page);
+    QPainter painter(&image);
+    const auto box = [&](double left, double top, double width, double height, int32_t back, bool border) {
+        const QRect r(int(std::lround(left / kPixel)), int(std::lround(top / kPixel)), qMax(1, int(std::lround(width / kPixel))),
+                      qMax(1, int(std::lround(height / kPixel))));
+        painter.fillRect(r, colour(back));
+        if (border) {
+            painter.setPen(QColor(0x7A, 0x7A, 0x7A));
+            painter.setBrush(Qt::NoBrush);
+            painter.drawRect(r.adjusted(0, 0, -1, -1));
+        }
+    };
+    for (size_t i = 1; i < design.Fields.size(); ++i) {
+        const FieldElement &f = design.Fields[i];
+        if (onPage(f.FieldPage, page))
+            box(f.Left, f.Top, f.Width, f.Height, f.BackColor, f.Border != 0);
     }
-    if (target.pages().empty()) {
-        QImage blank(qMax(1, int(std::lround(bare.PageWidth / kPixel))), qMax(1, int(std::lround(bare.PageHeight / kPixel))),
-                     QImage::Format_RGB32);
-        blank.fill(Qt::white);
-        return blank;
+    for (size_t i = 1; i < design.Combos.size(); ++i) {
+        const ComboElement &c = design.Combos[i];
+        if (!onPage(int(c.ComboPage), page))
+            continue;
+        // A combo is as high as its text with its frame, as the drop-down list box shows it.
+        const QFontMetrics metrics(QFont(c.FontName.isEmpty() ? design.AppFontName : c.FontName, qMax(1, qRound(c.FontSize))));
+        box(c.Left, c.Top, c.Width, (metrics.height() + 8) * kPixel, c.BackColor, true);
     }
-    return target.pages().front();
+    for (size_t i = 1; i < design.Notes.size(); ++i) {
+        const NoteElement &n = design.Notes[i];
+        if (onPage(n.NotePage, page))
+            box(n.Left, n.Top, n.Width, n.Height, n.BackColor, n.Border != 0);
+    }
+    for (const PictureElement &p : design.Pictures) {
+        if (p.Stretch || p.FileName.isEmpty() || !onPage(p.PicturePage, page))
+            continue;
+        // A fixed picture takes its own size, as the page box shows it.
+        const QImage picture(QDir(pictureFolder_).filePath(p.FileName));
+        if (!picture.isNull())
+            painter.drawImage(QPoint(int(std::lround(p.Left / kPixel)), int(std::lround(p.Top / kPixel))), picture);
+    }
+    painter.end();
+    return image.convertToFormat(QImage::Format_RGB32);
 }
 
 Status PdfRecordExport::startDocument(PdfDocumentWriter &writer, const QString &path) const

@@ -1,7 +1,7 @@
 #pragma once
 // Records as PDF documents: each included page of the design becomes one PDF page whose background
-// is one picture (the page's colour and tiled picture, shapes, lines, fixed pictures and the
-// frames behind fields, drawn once per export by the record printer), with the record's texts on
+// is one picture (the page's colour and tiled picture, shapes, lines, fixed pictures and the boxes
+// and frames behind fields, as the window paints them, drawn once per export), with the record's texts on
 // top as real text, links over pictures, labels and addresses, notes as fillable text fields and
 // the check fields as small pictures on the page's own background.
 //

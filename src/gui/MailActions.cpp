@@ -1,0 +1,86 @@
+#include "gui/MailActions.h"
+
+#include "core/MessageSink.h"
+#include "gui/MainWindow.h"
+#include "gui/MainWindowHost.h"
+#include "pdf/RecordMailer.h"
+#include "store/Database.h"
+#include "toolkit/WaitWindow.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QToolBar>
+
+namespace ff::gui {
+
+MailActions::MailActions(MainWindow &main) : QObject(&main), main_(main) {}
+
+void MailActions::addCommands(QMenu *menu, QToolBar *bar)
+{
+    QAction *mail = menu->addAction(tr("&Mail this record..."), this, [this] { std::ignore = mailRecord(); });
+    mail->setObjectName(QStringLiteral("mailCommand"));
+    mail->setIcon(QIcon::fromTheme(QStringLiteral("mail-send")));
+    if (!QStandardPaths::findExecutable(QStringLiteral("xdg-email")).isEmpty()) {
+        QAction *compose = menu->addAction(tr("Mail with the desktop's &compose window..."), this,
+                                           [this] { composeWithDesktop(); });
+        compose->setObjectName(QStringLiteral("composeCommand"));
+    }
+    if (bar && main_.design().MailIconVisible)
+        bar->addAction(mail);
+}
+
+int MailActions::savedRecord()
+{
+    RecordStore &store = main_.database().store();
+    if (store.RecordCount() < 1 || !store.SaveIfDirty())
+        return 0;
+    return store.CurrentRecord();
+}
+
+QString MailActions::addressText() const
+{
+    const int field = main_.design().MailAddressField;
+    return field > 0 ? main_.database().page().FieldText.value(field) : QString();
+}
+
+QString MailActions::mailRecord()
+{
+    const int record = savedRecord();
+    if (record < 1)
+        return QString();
+    toolkit::WaitWindow wait(&main_);
+    wait.setWindowTitle(tr("Mail"));
+    wait.begin();
+    pdf::RecordMailer mailer(main_.database().store(), main_.context(), main_.database().paths().AppFolder);
+    const Result<QString> written = mailer.MailRecord(record, main_.design().MainCap, main_.database().clock().today());
+    wait.end();
+    if (!written) {
+        // No PDF, no message: the mail program gets the address alone.
+        main_.host().openWithDesktop(QStringLiteral("mailto:") + addressText(), QString());
+        return QString();
+    }
+    main_.host().openWithDesktop(*written, QString());
+    return *written;
+}
+
+void MailActions::composeWithDesktop()
+{
+    const int record = savedRecord();
+    if (record < 1)
+        return;
+    pdf::RecordMailer mailer(main_.database().store(), main_.context(), main_.database().paths().AppFolder);
+    const Result<QString> pdf = mailer.RecordPdf(record);
+    if (!pdf) {
+        main_.host().ShowMessage(QString(), tr("The record's PDF could not be made: %1.").arg(pdf.error().text), kMessageColour);
+        return;
+    }
+    QStringList arguments{QStringLiteral("--subject"), QStringLiteral("Attached"), QStringLiteral("--attach"), *pdf};
+    if (!addressText().trimmed().isEmpty())
+        arguments << addressText().trimmed();
+    if (!QProcess::startDetached(QStringLiteral("xdg-email"), arguments))
+        main_.host().ShowMessage(QString(), tr("The desktop's compose window could not be opened."), kMessageColour);
+}
+
+} // namespace ff::gui

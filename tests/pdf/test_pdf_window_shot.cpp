@@ -1,0 +1,107 @@
+// A record's PDF page beside the same record in the window: the contacts example with its sample
+// records, the window's page grabbed, the first page of the record exported as PDF (only that
+// page included), rendered by pdftoppm at the screen's resolution and compared with the grab cell
+// by cell. The two PNGs are kept in the build folder (pdf-shots/) for a look by eye. And the mail
+// command of the window, which hands the desktop the record's message.
+
+#include "gui/MainWindow.h"
+#include "gui/MainWindowHost.h"
+#include "gui/PageCanvas.h"
+#include "pdf/PdfRecordExport.h"
+#include "store/Database.h"
+#include "support/ExampleImage.h"
+#include "support/PictureCompare.h"
+#include "support/Programs.h"
+
+#include <QAction>
+#include <QDir>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace ff;
+
+class PdfWindowShotTest : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void pdfPageMatchesTheWindow()
+    {
+        const QString pdftoppm = QStandardPaths::findExecutable(QStringLiteral("pdftoppm"));
+        if (pdftoppm.isEmpty())
+            QSKIP("pdftoppm is not installed: the PDF page cannot be looked at");
+        QTemporaryDir dir;
+        const auto built = testsupport::buildExample(QStringLiteral("contacts"), dir.path());
+        const QString loaded = testsupport::loadSamples(QStringLiteral("contacts"), built.path);
+        QVERIFY2(loaded.isEmpty(), qPrintable(loaded));
+        DesignLoad load = testsupport::loadImage(built.path);
+        QVERIFY(load.complete());
+        gui::MainWindow window(ParseCommandLine(built.path, {}), std::move(load));
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        const QImage grab = window.canvas()->grab().toImage();
+
+        Database &db = window.database();
+        QCOMPARE(db.store().CurrentRecord(), 1);
+        const QString pdf = dir.filePath(QStringLiteral("record.pdf"));
+        pdf::PdfRecordExport exporter(db.store(), window.context(), db.paths().AppFolder);
+        exporter.setPageRange(0, 0);
+        QVERIFY(!exporter.PageIncluded(1));
+        const Result<pdf::PdfOutcome> done =
+            exporter.PrintPDF(pdf, pdf::PdfMode::OneDocument, ExportRange::Records(1, 1, db.store().RecordCount()));
+        QVERIFY2(done.ok(), done.ok() ? "" : qPrintable(done.error().text));
+        QCOMPARE(done->pages, 1); // the second page of the design is not included
+
+        const QString shots = QDir(qEnvironmentVariable("FLATFORM_BINARY_DIR", dir.path())).filePath(QStringLiteral("pdf-shots"));
+        QVERIFY(QDir().mkpath(shots));
+        const QString pdfShot = QDir(shots).filePath(QStringLiteral("pdf-record"));
+        QFile::remove(pdfShot + QStringLiteral(".png"));
+        const testsupport::ProgramRun rendered = testsupport::runProgram(
+            pdftoppm, {QStringLiteral("-r"), QString::number(1440.0 / window.canvas()->twipsPerPixel()), QStringLiteral("-png"),
+                       QStringLiteral("-singlefile"), pdf, pdfShot});
+        QVERIFY2(rendered.exitCode == 0, rendered.err.constData());
+        const QImage page(pdfShot + QStringLiteral(".png"));
+        QVERIFY(!page.isNull());
+        QVERIFY(grab.save(QDir(shots).filePath(QStringLiteral("window-record-pdf.png"))));
+        QVERIFY(qAbs(page.width() - grab.width()) <= 1 && qAbs(page.height() - grab.height()) <= 1);
+
+        // The window's controls draw their own boxes and buttons, and place their text a pixel or
+        // two otherwise; most of the page is equal, and the elements stand at their places.
+        const double differing = testsupport::differingCells(grab, page, 40);
+        qInfo("cells differing by more than 40 grey levels: %.1f %%", differing * 100);
+        QVERIFY2(differing < 0.06, qPrintable(QStringLiteral("%1 % of the cells differ").arg(differing * 100)));
+        // The same comparison with the page moved by 12 pixels fails: the test sees places.
+        const QImage moved = page.copy(12, 12, page.width(), page.height());
+        QVERIFY(testsupport::differingCells(grab, moved, 40) > differing * 2);
+    }
+
+    // The mail command hands the desktop a message of the record on the page, its PDF inside.
+    void mailCommandOpensTheMessage()
+    {
+        QTemporaryDir dir;
+        const QByteArray savedTemp = qgetenv("TMPDIR");
+        qputenv("TMPDIR", QFile::encodeName(dir.path()));
+        const auto built = testsupport::buildExample(QStringLiteral("contacts"), dir.path());
+        QVERIFY(testsupport::loadSamples(QStringLiteral("contacts"), built.path).isEmpty());
+        DesignLoad load = testsupport::loadImage(built.path);
+        QVERIFY(load.complete());
+        gui::MainWindow window(ParseCommandLine(built.path, {}), std::move(load));
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QVERIFY(window.database().store().JumpToRecord(2).ok());
+        auto *mail = window.findChild<QAction *>(QStringLiteral("mailCommand"));
+        QVERIFY(mail);
+        mail->trigger();
+        qputenv("TMPDIR", savedTemp);
+        const QString eml = QDir(dir.path()).filePath(QStringLiteral("Newmail.eml"));
+        QCOMPARE(window.host().opened.value(window.host().opened.size() - 1), eml);
+        QFile file(eml);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray text = file.readAll();
+        QVERIFY(text.startsWith("Reply-To: \r\nTo: \"Berg\"<jonas.berg@bergtimber.example>\r\n"));
+        QVERIFY(text.contains("filename=\"Record2.pdf\""));
+        QVERIFY(!QFile::exists(QDir(dir.path()).filePath(QStringLiteral("Record2.pdf"))));
+    }
+};
+
+QTEST_MAIN(PdfWindowShotTest)
+#include "test_pdf_window_shot.moc"
