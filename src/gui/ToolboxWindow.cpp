@@ -216,6 +216,7 @@ ToolboxWindow::ToolboxWindow(PageToolController &tools, QWidget *parent)
     });
     connect(&tools_.editor().page(), &Page::flowChanged, this, [this] { showSelection(tools_.selected()); });
 
+    grid_->setCurrentIndex(qMax(0, grid_->findData(tools_.checkedGrid())));
     pictureScroll_->setRange(0, qMax(0, int(highestImageNumber() - FlowEditor::FirstImageNumber)));
     pictureScroll_->setPageStep(RowLength);
     showRow(0);
@@ -280,6 +281,8 @@ void ToolboxWindow::showSelection(FlowElement element)
             alignment_[l.alignment]->setChecked(true);
         showColour(shownColour_, l.color);
     }
+    if (!isLabel)
+        fontSize_->setCurrentText(QString());
     if (isImage && !link_->hasFocus())
         link_->setText(QString::number(page.FlowImages[element.index].FlowImageLink));
     if (!isImage)

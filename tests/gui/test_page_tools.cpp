@@ -223,9 +223,12 @@ private Q_SLOTS:
         PageToolsFixture f;
         QVERIFY(f.open());
         gui::FlowLayer *layer = f.window->flowLayer();
-        f.window->showToolbox();
+        // The toolbox opened from the page's menu shows the grid chosen before.
+        f.chooseFromPageMenu(QStringLiteral("Snap To Grip \u00bd Inch"));
+        f.chooseFromPageMenu(QStringLiteral("Show Toolbar..."));
         gui::ToolboxWindow *toolbox = f.window->toolbox();
-        QVERIFY(QTest::qWaitForWindowExposed(toolbox));
+        QVERIFY(toolbox && QTest::qWaitForWindowExposed(toolbox));
+        QCOMPARE(toolbox->gridBox()->currentText(), QStringLiteral("\u00bd inch"));
         QTest::mouseClick(toolbox->labelToolButton(), Qt::LeftButton);
         QTest::mouseClick(f.window->canvas(), Qt::LeftButton, {}, QPoint(60, 60));
         QTest::keyClicks(f.tools().labelEditor(), QStringLiteral("Note"));
