@@ -186,6 +186,23 @@ Status RecordFile::writeRecord(int64_t record, const QByteArray &buffer)
     return {};
 }
 
+Status RecordFile::writeOpenPart(int64_t position1, const QByteArray &bytes)
+{
+    if (readOnly_ || fd_ < 0 || position1 < 1)
+        return makeError(ErrorCode::PermissionDenied, QStringLiteral("the data file is not open for writing"));
+    qsizetype done = 0;
+    while (done < bytes.size()) {
+        const ssize_t n = ::pwrite(fd_, bytes.constData() + done, bytes.size() - done, position1 - 1 + done);
+        if (n < 0) {
+            if (errno == EINTR)
+                continue;
+            return errnoError(errno, partName(openPart_));
+        }
+        done += n;
+    }
+    return {};
+}
+
 Status RecordFile::writeHeaderBytes(int64_t position1, const QByteArray &bytes)
 {
     if (readOnly_ || fd_ < 0 || openPart_ != 0)

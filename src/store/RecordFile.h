@@ -67,6 +67,8 @@ public:
     // One positioned read or write of a whole slot. A short read fills the rest from `blank`.
     Status readRecord(int64_t record, QByteArray &buffer, const QByteArray &blank);
     Status writeRecord(int64_t record, const QByteArray &buffer);
+    // Bytes at a 1-based position of the open part, as they are.
+    Status writeOpenPart(int64_t position1, const QByteArray &bytes);
 
     // Header of the first file (open part must be the first file).
     Status writeHeaderBytes(int64_t position1, const QByteArray &bytes); // clipped ahead of record 1

@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <tuple>
@@ -77,7 +78,8 @@ Status RecordStore::openFileSet(const QString &dataFileName, OpenMode mode, cons
         return s;
 
     // A new file (under 9 bytes) gets its date of creation and the record length.
-    if (file_.lengthOfOpenPart() < 9 && !readOnlyMode_) {
+    const int64_t lengthAtOpen = file_.lengthOfOpenPart();
+    if (lengthAtOpen < 9 && !readOnlyMode_) {
         QByteArray date(8, '\0');
         creationDate_ = FormulaHooks::Now(*clock_);
         RecordCodec::writeDouble(date, 1, creationDate_);
@@ -94,10 +96,13 @@ Status RecordStore::openFileSet(const QString &dataFileName, OpenMode mode, cons
     if (Result<QByteArray> number = file_.readHeaderBytes(10, 4); number && number->size() == 4)
         nextPictureNumber_ = RecordCodec::readInt32(*number, 1);
 
-    file_.setLastPart(file_.probeLastPart());
+    const int probedLastPart = file_.probeLastPart();
+    file_.setLastPart(probedLastPart);
     Status counted = refreshCount();
     if (!counted)
         return counted;
+    if (lengthAtOpen >= 9)
+        reportDamage(probedLastPart);
 
     if (mode == OpenMode::Create && !readOnlyMode_) {
         // The title, padded to the record length, from position 9; then NextPictureNumber 0.
@@ -161,6 +166,37 @@ Status RecordStore::refreshCount()
         return count.error();
     recordCount_ = static_cast<int>(std::min<int64_t>(*count, INT32_MAX));
     return {};
+}
+
+void RecordStore::reportDamage(int probedLastPart)
+{
+    // The parts are probed until a name is missing: the records of parts after a gap are not
+    // counted. They are left as they are, and the user is told where the set breaks off.
+    const QFileInfo first(file_.partName(0));
+    const QString base = QFileInfo(file_.DataFileBase()).fileName();
+    const QStringList later = first.dir().entryList({base + QStringLiteral("[0-9][0-9][0-9][0-9]")}, QDir::Files);
+    for (const QString &name : later) {
+        if (name.mid(base.size()).toInt() > probedLastPart + 1) {
+            showMessage(QStringLiteral("The record file %1 is missing: the records of %2 and the parts after it are not shown.")
+                            .arg(file_.partName(probedLastPart + 1), name));
+            break;
+        }
+    }
+    // A file written whole ends on the last byte of a slot. One that does not was cut short, or
+    // was made for another version of the design, whose records lie shifted against these.
+    const int64_t length = file_.lengthOfOpenPart();
+    const int64_t slot = layout_.RecordLength;
+    if (length <= 0 || (length + 1) % slot == 0)
+        return; // a later part is made empty before its first record is written
+    const QString name = file_.partName(file_.LastPart());
+    if (length >= slot - 1) {
+        showMessage(QStringLiteral("The data file %1 ends inside a record: it was cut short, or made for another "
+                                   "version of this database. The last record shows what is left of it.")
+                        .arg(name));
+    } else if (file_.LastPart() == 0) {
+        // Ahead of record 1 lies the header in the first file; in a later part the bytes are unused.
+        showMessage(QStringLiteral("The data file %1 ends inside its header: it holds no records.").arg(name));
+    }
 }
 
 // ---- one record ----
@@ -410,6 +446,21 @@ Status RecordStore::claimNewSlot(int64_t record)
     return {};
 }
 
+void RecordStore::completeLastSlot()
+{
+    // A record cut short at the end of the open part reads as its bytes with the blank record
+    // after them. The new record goes into the slot after it, and writing there would leave a gap
+    // of zero bytes in it: the gap is filled first with what the record already shows.
+    const int64_t length = file_.lengthOfOpenPart();
+    const int64_t slot = layout_.RecordLength;
+    if (length < slot || (length + 1) % slot == 0)
+        return; // whole, or cut inside the header, which holds no record
+    const int64_t have = (length + 1) % slot;
+    // Only the missing tail is written, after the bytes that are there. A write that fails leaves
+    // the gap, as it was before this step.
+    std::ignore = file_.writeOpenPart(length + 1, codec_.blankRecord().mid(have));
+}
+
 Status RecordStore::NewRecord()
 {
     saveBeforeMove();
@@ -424,6 +475,8 @@ Status RecordStore::NewRecord()
         return s;
     const int64_t perPart = file_.RecordsPerPart();
     int64_t n = perPart * file_.LastPart() + file_.lengthOfOpenPart() / layout_.RecordLength + 1;
+    if (writingAllowed())
+        completeLastSlot();
     for (int tries = 0;; ++tries, ++n) {
         if ((int64_t(2140000000) / perPart) * perPart < n) {
             showMessage(QString::fromLatin1(kRecordLimitMessage));

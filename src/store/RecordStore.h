@@ -140,6 +140,12 @@ private:
     // The saving rule before a move: a record that cannot be saved has been shown to the user and
     // is left behind unlocked and clean, as the move goes on.
     void saveBeforeMove();
+    // Tells the user of a file set that breaks off at a missing part, or whose last part does not
+    // end on a whole record (cut short, or made for another version of the design).
+    void reportDamage(int probedLastPart);
+    // Fills the missing tail of a record cut short at the end of the open part with the blank
+    // record's bytes, so that a record written after it does not leave zero bytes in it.
+    void completeLastSlot();
     void blankPage();
     void lockAllElements();
     void showMessage(const QString &text);

@@ -1,0 +1,360 @@
+// Record file sets that are damaged: cut short, with a part missing, with a garbage or foreign
+// header, written for another version of the design, a folder in the data file's place, a file the
+// user may not read or may not write. Each opens without a crash, says what is wrong where the user
+// cannot see it from the records, and writes nothing the user did not ask for: the files' bytes are
+// compared before and after.
+
+#include "store/Database.h"
+#include "support/StoreFixture.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace ff;
+using namespace ff::testsupport;
+
+namespace {
+
+constexpr int kLength = 17; // the small design's record length
+constexpr uid_t kNobody = 65534;
+
+QByteArray readAll(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+void writeAll(const QString &path, const QByteArray &bytes)
+{
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    ASSERT_EQ(f.write(bytes), bytes.size());
+}
+
+// Record r of the small design as another copy of the program writes it: "r<r>" in field 1,
+// "p<part>" in field 2, r as a whole number in field 3.
+QByteArray smallRecord(int r, int part = 0, int length = kLength)
+{
+    QByteArray rec(length, ' ');
+    const QByteArray a = "r" + QByteArray::number(r), b = "p" + QByteArray::number(part);
+    rec.replace(0, a.size(), a);
+    rec.replace(6, b.size(), b);
+    for (int k = 0; k < 4; ++k)
+        rec[12 + k] = char((r >> (8 * k)) & 0xFF);
+    return rec;
+}
+
+// A first file of `count` records with a header of `length` - 1 bytes: date, title, NextPictureNumber.
+QByteArray smallFile(int count, int length = kLength)
+{
+    QByteArray file(length - 1, ' ');
+    file.replace(0, 8, QByteArray(8, '\0'));
+    file.replace(9, 4, QByteArray(4, '\0'));
+    for (int r = 1; r <= count; ++r)
+        file += smallRecord(r, 0, length);
+    return file;
+}
+
+// What field 1 of record r shows by the format alone: the six bytes of its slot (the blank record
+// past the end of the file), trailing spaces removed.
+QString fieldOne(const QByteArray &file, int r)
+{
+    QByteArray slice = file.mid(qsizetype(r) * kLength - 1, 6);
+    slice.resize(6, ' ');
+    while (slice.endsWith(' '))
+        slice.chop(1);
+    return QString::fromLatin1(slice);
+}
+
+struct Session {
+    RecordingStoreHost host;
+    Database db;
+    Session(const QString &folder, const QString &data, Design design = smallDesign())
+        : db(std::move(design), ParseCommandLine(QDir(folder).filePath(QStringLiteral("small")), {}), &host)
+    {
+        db.start();
+        db.DataFileName = data;
+    }
+    RecordStore &store() { return db.store(); }
+    // Field 1 of every record, reached as the user reaches them: last, first, then one on at a time.
+    QStringList browse()
+    {
+        QStringList shown;
+        std::ignore = store().NavigateRecord(NavigationButton::Last);
+        std::ignore = store().NavigateRecord(NavigationButton::First);
+        for (int r = 1; r <= store().RecordCount(); ++r) {
+            shown << db.page().FieldText[1];
+            std::ignore = store().NavigateRecord(NavigationButton::OneOn);
+        }
+        return shown;
+    }
+};
+
+// Runs `check` in a child process that has given up root for the user nobody, so that file modes
+// hold. The child's complaints come back as text; empty when all held.
+QString asNobody(const std::function<QString()> &check)
+{
+    int fds[2];
+    if (::pipe(fds) != 0)
+        return QStringLiteral("no pipe");
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        ::close(fds[0]);
+        QByteArray complaint = (::setgid(kNobody) == 0 && ::setuid(kNobody) == 0) ? check().toUtf8() : QByteArray("setuid failed");
+        if (::write(fds[1], complaint.constData(), complaint.size()) < 0)
+            ::_exit(2);
+        ::_exit(0);
+    }
+    ::close(fds[1]);
+    QByteArray said;
+    char buffer[512];
+    for (ssize_t n; (n = ::read(fds[0], buffer, sizeof buffer)) > 0;)
+        said.append(buffer, n);
+    ::close(fds[0]);
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        return QStringLiteral("the child ended badly: ") + QString::fromUtf8(said);
+    return QString::fromUtf8(said);
+}
+
+class DamagedStore : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(dir.isValid());
+        data = dir.filePath(QStringLiteral("small.dat"));
+    }
+    QString path(const char *name) const { return dir.filePath(QLatin1String(name)); }
+    QTemporaryDir dir;
+    QString data;
+};
+
+} // namespace
+
+// Damage that leaves the records readable. Opening, browsing every record and closing write
+// nothing; the count and what each record shows follow from the format; a message says what is
+// wrong where the records cannot show it.
+TEST_F(DamagedStore, ReadingADamagedFileWritesNothing)
+{
+    struct Case {
+        const char *name;
+        QByteArray file;
+        int count;
+        const char *message; // a part of the one message shown, or null for none
+    };
+    QByteArray garbage = smallFile(2);
+    for (int k = 0; k < kLength - 1; ++k)
+        garbage[k] = char(0xF7 - 13 * k);
+    QByteArray foreignLength = smallFile(2);
+    foreignLength[15] = char(kLength + 5); // the stored record length is not read
+    const Case cases[] = {
+        {"cut inside record 4", smallFile(4).left(4 * kLength - 1 + 8), 4, "ends inside a record"},
+        {"cut inside field 1 of record 2", smallFile(2).left(2 * kLength - 1 + 1), 2, "ends inside a record"},
+        {"garbage header", garbage, 2, nullptr},
+        {"header with another record length", foreignLength, 2, nullptr},
+        // Three records of 20 bytes: 79 bytes read as 4 records of 17, each shifted 3 bytes more.
+        {"records of an older design", smallFile(3, 20), 4, "ends inside a record"},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        writeAll(data, c.file);
+        Session s(dir.path(), data);
+        ASSERT_TRUE(s.db.OpenDatabase(OpenMode::Open));
+        EXPECT_FALSE(s.store().ReadOnlyMode());
+        EXPECT_EQ(s.store().RecordCount(), c.count);
+        QStringList shown;
+        for (int r = 1; r <= c.count; ++r)
+            shown << fieldOne(c.file, r);
+        EXPECT_EQ(s.browse(), shown);
+        ASSERT_TRUE(s.db.shutdown());
+        EXPECT_EQ(readAll(data), c.file) << "nothing is written when nothing is changed";
+        if (c.message) {
+            ASSERT_EQ(s.host.texts().size(), 1) << s.host.texts().join(QLatin1Char('\n')).toStdString();
+            EXPECT_TRUE(s.host.texts()[0].contains(QLatin1String(c.message))) << s.host.texts()[0].toStdString();
+            EXPECT_TRUE(s.host.texts()[0].contains(data));
+        } else {
+            EXPECT_TRUE(s.host.texts().isEmpty()) << s.host.texts().join(QLatin1Char('\n')).toStdString();
+        }
+    }
+}
+
+// A record cut short keeps what it shows when the user adds a record after it or saves it: the
+// bytes that are there stay, and the rest is the blank record, never a gap of zero bytes.
+TEST_F(DamagedStore, ACutRecordKeepsWhatItShowsWhenRecordsAreWritten)
+{
+    for (const bool scramble : {false, true}) {
+        SCOPED_TRACE(scramble ? "scrambled" : "plain");
+        QByteArray whole = smallFile(3);
+        if (scramble) // the store's byte substitution, records only: the header is never scrambled
+            for (qsizetype k = kLength - 1; k < whole.size(); ++k)
+                whole[k] = char((uint8_t(whole[k]) * 167 + 13) & 0xFF);
+        const QByteArray cut = whole.left(3 * kLength - 1 + 5); // record 3: five bytes of field 1
+        writeAll(data, cut);
+        Session s(dir.path(), data, smallDesign(scramble));
+        ASSERT_TRUE(s.db.OpenDatabase(OpenMode::Open));
+        ASSERT_TRUE(s.store().JumpToRecord(3));
+        const QStringList before = {s.db.page().FieldText[1], s.db.page().FieldText[2], s.db.page().FieldText[3]};
+        EXPECT_EQ(before[0], QStringLiteral("r3"));
+        ASSERT_TRUE(s.store().NewRecord());
+        EXPECT_EQ(s.store().CurrentRecord(), 4);
+        ASSERT_TRUE(s.store().SaveIfDirty());
+        const QByteArray after = readAll(data);
+        EXPECT_EQ(after.size(), 5 * kLength - 1);
+        EXPECT_EQ(after.left(cut.size()), cut) << "the bytes that were there stay";
+        EXPECT_EQ(after.mid(cut.size(), 4 * kLength - 1 - cut.size()),
+                  s.store().codec().blankRecord().mid(5)) << "the cut record is completed with the blank record";
+        ASSERT_TRUE(s.store().JumpToRecord(3));
+        EXPECT_EQ((QStringList{s.db.page().FieldText[1], s.db.page().FieldText[2], s.db.page().FieldText[3]}), before);
+        ASSERT_TRUE(s.db.shutdown());
+        QFile::remove(data);
+    }
+}
+
+// A first file that ends before its header does holds no record. The opening adds record 1 as it
+// does for an empty file; the bytes that were there stay, except that a file under 9 bytes counts
+// as new and gets the date and the record length. Opened to read only, nothing is written at all.
+TEST_F(DamagedStore, AFileCutInsideItsHeaderGetsItsFirstRecord)
+{
+    struct Case {
+        const char *name;
+        QByteArray file;
+        bool kept; // the bytes that were there are still there after opening for writing
+        bool told; // a message says the file ends inside its header
+    };
+    const Case cases[] = {
+        {"empty", QByteArray(), true, false},
+        {"five garbage bytes", QByteArray("\xff\x01\x02\x03\x04", 5), false, false},
+        {"cut after NextPictureNumber", smallFile(0).left(13), true, true},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        writeAll(data, c.file);
+        {
+            Session reader(dir.path(), data);
+            reader.store().setViewOnly(true);
+            EXPECT_TRUE(reader.db.OpenDatabase(OpenMode::Open));
+            EXPECT_EQ(reader.db.page().FieldText[1], QString());
+            EXPECT_TRUE(reader.db.shutdown());
+            EXPECT_EQ(readAll(data), c.file) << "a reader writes nothing";
+        }
+        Session s(dir.path(), data);
+        ASSERT_TRUE(s.db.OpenDatabase(OpenMode::Open));
+        EXPECT_EQ(s.store().RecordCount(), 1);
+        EXPECT_EQ(s.host.texts().size(), c.told ? 1 : 0) << s.host.texts().join(QLatin1Char('\n')).toStdString();
+        EXPECT_EQ(s.host.texts().value(0).contains(QLatin1String("ends inside its header")), c.told);
+        s.db.page().FieldText[1] = QStringLiteral("typed");
+        ASSERT_TRUE(s.store().LockRecord());
+        ASSERT_TRUE(s.db.shutdown());
+        const QByteArray after = readAll(data);
+        ASSERT_EQ(after.size(), 2 * kLength - 1);
+        EXPECT_EQ(after.mid(kLength - 1, 6), QByteArray("typed "));
+        if (c.kept) {
+            EXPECT_EQ(after.left(c.file.size()), c.file);
+        }
+        if (c.file.size() < 9) { // a new file: the record length at position 16, cut at record 1
+            EXPECT_EQ(uint8_t(after[15]), kLength);
+        }
+    }
+}
+
+// A part missing in the middle: the set is counted up to the gap, as the parts are probed, and the
+// user is told. The parts after the gap are never touched, and new records go before it.
+TEST_F(DamagedStore, AMissingPartIsToldAndThePartsAfterItAreLeftAlone)
+{
+    SmallParts parts(4);
+    writeAll(data, smallFile(2));
+    QByteArray second(kLength - 1, ' ');
+    second += smallRecord(9, 2) + smallRecord(10, 2);
+    writeAll(path("small0002"), second);
+
+    Session s(dir.path(), data);
+    ASSERT_TRUE(s.db.OpenDatabase(OpenMode::Open));
+    EXPECT_EQ(s.store().RecordCount(), 2);
+    ASSERT_EQ(s.host.texts().size(), 1);
+    EXPECT_EQ(s.host.texts()[0], QStringLiteral("The record file %1 is missing: the records of small0002 and the parts "
+                                                "after it are not shown.")
+                                     .arg(path("small0001")));
+    EXPECT_EQ(s.browse(), (QStringList{QStringLiteral("r1"), QStringLiteral("r2")}));
+    ASSERT_TRUE(s.store().NewRecord());
+    EXPECT_EQ(s.store().CurrentRecord(), 3);
+    ASSERT_TRUE(s.db.shutdown());
+    EXPECT_EQ(readAll(data).size(), 4 * kLength - 1);
+    EXPECT_EQ(readAll(path("small0002")), second);
+    EXPECT_FALSE(QFile::exists(path("small0001")));
+}
+
+// A folder where the data file should be: the opening shows the file message of the design and
+// goes on with nothing; every later step fails in the open, and the folder stays empty.
+TEST_F(DamagedStore, AFolderInPlaceOfTheDataFile)
+{
+    ASSERT_TRUE(QDir().mkdir(data));
+    Session s(dir.path(), data, fullDesign());
+    EXPECT_FALSE(s.db.OpenDatabase(OpenMode::Open));
+    ASSERT_EQ(s.host.texts().size(), 1);
+    EXPECT_EQ(s.host.texts()[0], QStringLiteral("File %1 not found").arg(data));
+    EXPECT_FALSE(s.store().NewRecord());
+    std::ignore = s.store().NavigateRecord(NavigationButton::Last);
+    s.db.page().FieldText[1] = QStringLiteral("typed");
+    std::ignore = s.store().LockRecord();
+    EXPECT_FALSE(s.store().PackRecord());
+    EXPECT_FALSE(s.db.shutdown()) << "the typed record cannot be saved, so it stays on the page";
+    EXPECT_TRUE(QFileInfo(data).isDir());
+    EXPECT_TRUE(QDir(data).isEmpty());
+}
+
+// The user may not read the data file, or may read but not write it. Root reads any file, so these
+// run as the user nobody in a child process.
+TEST_F(DamagedStore, AFileTheUserMayNotReadOrNotWrite)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "needs root to act as another user; as an ordinary user, run it as root";
+    ASSERT_TRUE(QFile::setPermissions(dir.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner |
+                                                      QFile::ReadOther | QFile::ExeOther));
+    const QByteArray file = smallFile(3);
+    struct Case {
+        const char *name;
+        QFile::Permissions mode;
+        bool readable;
+    };
+    const Case cases[] = {
+        {"no read right", QFile::WriteOwner, false},
+        {"read right only", QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther, true},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        writeAll(data, file);
+        ASSERT_TRUE(QFile::setPermissions(data, c.mode));
+        const QString complaint = asNobody([&]() -> QString {
+            Design design = smallDesign();
+            design.MessageText[1] = QStringLiteral("File * not found");
+            Session s(dir.path(), data, design);
+            const Status opened = s.db.OpenDatabase(OpenMode::Open);
+            if (c.readable) {
+                if (!opened || !s.store().ReadOnlyMode() || !s.db.page().FieldLocked[1])
+                    return QStringLiteral("a readable file opens read-only, its elements locked");
+                if (s.browse() != QStringList{QStringLiteral("r1"), QStringLiteral("r2"), QStringLiteral("r3")})
+                    return QStringLiteral("the records read as stored");
+                if (!s.host.texts().isEmpty())
+                    return QStringLiteral("no message: ") + s.host.texts().join(QLatin1Char('|'));
+            } else {
+                if (opened || s.host.texts() != QStringList{QStringLiteral("File %1 not found").arg(data)})
+                    return QStringLiteral("the file message: ") + s.host.texts().join(QLatin1Char('|'));
+            }
+            s.db.page().FieldText[1] = QStringLiteral("typed");
+            std::ignore = s.store().LockRecord();
+            std::ignore = s.store().NewRecord();
+            std::ignore = s.db.shutdown();
+            return QString();
+        });
+        EXPECT_TRUE(complaint.isEmpty()) << complaint.toStdString();
+        ASSERT_TRUE(QFile::setPermissions(data, QFile::ReadOwner | QFile::WriteOwner));
+        EXPECT_EQ(readAll(data), file);
+    }
+}
