@@ -121,10 +121,10 @@ PictureLibraryWindow::PictureLibraryWindow(PictureTaker &taker, int field, Messa
     // The field's own picture shows first.
     const QString current = taker_.currentFile(field_);
     setFolder(current.isEmpty() ? QDir::homePath() : QFileInfo(current).absolutePath());
-    if (!current.isEmpty())
-        showFile(current);
-    else
+    if (current.isEmpty())
         showPreview();
+    else if (!selectFile(QFileInfo(current).fileName()))
+        showFile(current);
 }
 
 PictureLibraryWindow::~PictureLibraryWindow() { saveSwitches(); }

@@ -12,6 +12,8 @@
 #include "support/RecordWriterLayout.h"
 
 #include <QCheckBox>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QImageReader>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -178,11 +180,22 @@ private Q_SLOTS:
         QCOMPARE(f.storedCounter(), 1);
         QCOMPARE(QDir(f.pictureFolder()).entryList(QDir::Files), before);
 
+        // The clipboard's picture, opened on the field's own file: always a JPEG, the next number.
+        QImage copied(50, 50, QImage::Format_RGB32);
+        copied.fill(Qt::blue);
+        QGuiApplication::clipboard()->setImage(copied);
+        f.withLibrary([](gui::PictureLibraryWindow &library) {
+            QCOMPARE(library.fileList()->currentItem()->text(), QStringLiteral("0000001.jpg"));
+            QTest::mouseClick(library.pasteButton(), Qt::LeftButton);
+        });
+        QCOMPARE(f.recordName(), QStringLiteral("0000002"));
+        QCOMPARE(QDir(f.pictureFolder()).entryList(QDir::Files), QStringList{QStringLiteral("0000002.jpg")});
+
         // Deleting the picture empties the field and removes its file.
         f.withLibrary([](gui::PictureLibraryWindow &library) { QTest::mouseClick(library.deleteButton(), Qt::LeftButton); });
         QVERIFY(f.recordName().isEmpty());
         QVERIFY(QDir(f.pictureFolder()).entryList(QDir::Files).isEmpty());
-        QCOMPARE(f.storedCounter(), 1); // a number is never given out twice
+        QCOMPARE(f.storedCounter(), 2); // a number is never given out twice
     }
 };
 
