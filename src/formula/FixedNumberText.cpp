@@ -51,23 +51,28 @@ bool FixedNumberText::fastText(double value, int places, QString &out) const
     const int count = int(std::to_chars(digits, digits + sizeof digits, whole).ptr - digits);
     if (count > 15)
         return false;
-    out.reserve(count + places + 8);
+    // The text is put together in one buffer and made a QString once.
+    char16_t text[96];
+    int n = 0;
+    const auto put = [&](const QString &part) {
+        for (const QChar c : part)
+            text[n++] = c.unicode();
+    };
     if (rounded->negative)
-        out += minus_;
+        put(minus_);
     const uint32_t marks = marks_[size_t(count)];
     for (int k = 0; k < count; ++k) {
         if (k > 0 && (marks >> (count - k)) & 1u)
-            out += group_;
-        out += QLatin1Char(digits[k]);
+            put(group_);
+        text[n++] = char16_t(digits[k]);
     }
     if (places > 0) {
-        out += point_;
-        char tail[8];
-        for (int k = places - 1; k >= 0; --k) {
-            tail[k] = char('0' + fraction % kPowers[places - k] / kPowers[places - k - 1]);
-        }
-        out += QLatin1String(tail, places);
+        put(point_);
+        for (int k = places - 1; k >= 0; --k)
+            text[n + k] = char16_t('0' + fraction % kPowers[places - k] / kPowers[places - k - 1]);
+        n += places;
     }
+    out = QString(reinterpret_cast<const QChar *>(text), n);
     return true;
 }
 
@@ -83,6 +88,8 @@ bool FixedNumberText::learn()
     if (half.size() < 3 || half.front() != QLatin1Char('0') || half.back() != QLatin1Char('5'))
         return false;
     point_ = half.mid(1, half.size() - 2);
+    if (minus_.size() > 4 || point_.size() > 4)
+        return false; // longer marks than the text buffer of fastText allows for
     // Group marks for 1..15 integer digits, read from 1, 12, 123, ... 123456789012345.
     for (int count = 1; count <= 15; ++count) {
         const QString t = localeText(double(123456789012345LL / kPowers[15 - count]), 0);
@@ -99,6 +106,8 @@ bool FixedNumberText::learn()
                 ++k;
             const QString mark = t.mid(from, k - from);
             if (seen == 0 || (!group_.isEmpty() && mark != group_))
+                return false;
+            if (mark.size() > 4)
                 return false;
             group_ = mark;
             marks |= 1u << (count - seen);

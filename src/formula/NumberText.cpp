@@ -30,13 +30,41 @@ double readDecimal(const std::string &number)
 
 QString &CleanNumber(QString &text, const QString &decimalSeparator)
 {
-    if (decimalSeparator.compare(QLatin1String("."), Qt::CaseInsensitive) != 0 && !decimalSeparator.isEmpty()) {
+    const bool otherPoint = decimalSeparator.compare(QLatin1String("."), Qt::CaseInsensitive) != 0 && !decimalSeparator.isEmpty();
+    const char16_t sep = decimalSeparator.isEmpty() ? 0 : decimalSeparator.front().unicode();
+    if (otherPoint && (decimalSeparator.size() != 1 || QChar(sep).isLetter() || sep >= 128)) {
+        // A separator of several characters, or one that matches in another case: step by step.
         text.remove(QLatin1Char('.'));
         text.replace(decimalSeparator, QLatin1String("."), Qt::CaseInsensitive);
+        text.remove(QLatin1Char(','));
+        text.remove(QLatin1Char('\''));
+        text.remove(QChar(0xA0));
+        return text;
     }
-    text.remove(QLatin1Char(','));
-    text.remove(QLatin1Char('\''));
-    text.remove(QChar(0xA0));
+    // One pass, in the order of the steps: a "." goes (unless it is the separator), the separator
+    // becomes ".", then every ",", "'" and character 160 goes. Most texts need none of it and are
+    // left as they are, unshared.
+    const auto goes = [&](char16_t c) {
+        return (otherPoint && c == '.') || c == ',' || c == '\'' || c == 0xA0;
+    };
+    const QChar *begin = text.constData();
+    const qsizetype size = text.size();
+    qsizetype first = 0;
+    while (first < size && !goes(begin[first].unicode()) && !(otherPoint && begin[first].unicode() == sep))
+        ++first;
+    if (first == size)
+        return text;
+    QString out;
+    out.reserve(size);
+    out.append(begin, first);
+    for (qsizetype k = first; k < size; ++k) {
+        const char16_t c = begin[k].unicode();
+        if (otherPoint && c == sep)
+            out.append(QLatin1Char('.'));
+        else if (!goes(c))
+            out.append(begin[k]);
+    }
+    text = std::move(out);
     return text;
 }
 
@@ -46,41 +74,36 @@ QString CleanNumberCopy(QString text, const QString &decimalSeparator)
     return text;
 }
 
-double Val(const QString &text)
+namespace {
+
+// Val on ASCII bytes with the blanks already gone.
+double valOfBytes(const char *s, size_t size)
 {
-    std::string s;
-    s.reserve(static_cast<size_t>(text.size()));
-    for (QChar c : text) {
-        const char16_t u = c.unicode();
-        if (u == ' ' || u == '\t' || u == '\n')
-            continue;
-        s.push_back(u < 128 ? static_cast<char>(u) : '?');
-    }
-    std::string number;
     size_t i = 0;
-    if (i < s.size() && (s[i] == '+' || s[i] == '-'))
-        number.push_back(s[i++]);
+    if (i < size && (s[i] == '+' || s[i] == '-'))
+        ++i;
     bool digits = false;
-    while (i < s.size() && s[i] >= '0' && s[i] <= '9') {
-        number.push_back(s[i++]);
+    while (i < size && s[i] >= '0' && s[i] <= '9') {
+        ++i;
         digits = true;
     }
-    if (i < s.size() && s[i] == '.') {
-        number.push_back(s[i++]);
-        while (i < s.size() && s[i] >= '0' && s[i] <= '9') {
-            number.push_back(s[i++]);
+    if (i < size && s[i] == '.') {
+        ++i;
+        while (i < size && s[i] >= '0' && s[i] <= '9') {
+            ++i;
             digits = true;
         }
     }
     if (!digits)
         return 0.0;
-    if (i < s.size() && (s[i] == 'E' || s[i] == 'e' || s[i] == 'D' || s[i] == 'd')) {
+    std::string number(s, i);
+    if (i < size && (s[i] == 'E' || s[i] == 'e' || s[i] == 'D' || s[i] == 'd')) {
         size_t j = i + 1;
         std::string exponent = "e";
-        if (j < s.size() && (s[j] == '+' || s[j] == '-'))
+        if (j < size && (s[j] == '+' || s[j] == '-'))
             exponent.push_back(s[j++]);
         bool expDigits = false;
-        while (j < s.size() && s[j] >= '0' && s[j] <= '9') {
+        while (j < size && s[j] >= '0' && s[j] <= '9') {
             exponent.push_back(s[j++]);
             expDigits = true;
         }
@@ -88,6 +111,29 @@ double Val(const QString &text)
             number += exponent;
     }
     return readDecimal(number);
+}
+
+} // namespace
+
+double Val(const QString &text)
+{
+    // The characters with blanks, tabs and line feeds taken out; anything beyond ASCII stops the
+    // number as a "?" would.
+    char small[64];
+    std::string large;
+    char *s = small;
+    size_t size = 0;
+    if (text.size() >= qsizetype(sizeof small)) {
+        large.resize(size_t(text.size()));
+        s = large.data();
+    }
+    for (const QChar c : text) {
+        const char16_t u = c.unicode();
+        if (u == ' ' || u == '\t' || u == '\n')
+            continue;
+        s[size++] = u < 128 ? static_cast<char>(u) : '?';
+    }
+    return valOfBytes(s, size);
 }
 
 QString NumberToText(double value, const QString &decimalSeparator)
@@ -136,6 +182,45 @@ double roundDecimal(double value, int decimals, bool halfEven)
     return readDecimal(buffer) * (value < 0 ? -1 : 1);
 }
 
+// The 15 significant digits of `x` (> 0) and its decimal exponent, as "%.14e" writes them
+// (digits x 10^(exponent - 14) is x rounded to 15 digits), worked out in 64-bit-mantissa
+// arithmetic: x times an exact power of ten is off by less than 10^-4 of a unit of the last digit,
+// so only values within that of a tie between two roundings (and those beyond the exact powers)
+// are left to the text conversion. False for those.
+bool digits15(double x, long long &digits, int &exponent)
+{
+    static const long double powers[] = {1e0L,  1e1L,  1e2L,  1e3L,  1e4L,  1e5L,  1e6L,  1e7L,  1e8L,  1e9L,
+                                         1e10L, 1e11L, 1e12L, 1e13L, 1e14L, 1e15L, 1e16L, 1e17L, 1e18L, 1e19L,
+                                         1e20L, 1e21L, 1e22L, 1e23L, 1e24L, 1e25L, 1e26L, 1e27L};
+    int binary = 0;
+    std::frexp(x, &binary);
+    int e = int(std::floor((binary - 1) * 0.30102999566398120)); // log10 of x, or one below
+    for (int tries = 0; tries < 2; ++tries) {
+        const int k = 14 - e;
+        if (k < 0 || k > 27)
+            return false;
+        const long double scaled = static_cast<long double>(x) * powers[k];
+        if (scaled >= 1e15L) {
+            ++e;
+            continue;
+        }
+        if (scaled < 1e14L)
+            return false;
+        const long double whole = std::floor(scaled);
+        const long double fraction = scaled - whole;
+        if (std::fabs(fraction - 0.5L) < 1e-3L)
+            return false;
+        digits = static_cast<long long>(whole) + (fraction > 0.5L ? 1 : 0);
+        if (digits == 1000000000000000LL) {
+            digits = 100000000000000LL;
+            ++e;
+        }
+        exponent = e;
+        return true;
+    }
+    return false;
+}
+
 } // namespace
 
 std::optional<DecimalDigits> RoundedDigits(double value, int decimals, bool halfEven)
@@ -144,15 +229,18 @@ std::optional<DecimalDigits> RoundedDigits(double value, int decimals, bool half
         return std::nullopt;
     if (value == 0.0)
         return DecimalDigits{};
-    char buffer[64];
-    scientific15(value, buffer);
     long long digits = 0;
-    const char *p = buffer;
-    for (; *p && *p != 'e'; ++p) {
-        if (*p >= '0' && *p <= '9')
-            digits = digits * 10 + (*p - '0');
+    int exponent = 0;
+    if (!digits15(std::fabs(value), digits, exponent)) {
+        char buffer[64];
+        scientific15(value, buffer);
+        const char *p = buffer;
+        for (; *p && *p != 'e'; ++p) {
+            if (*p >= '0' && *p <= '9')
+                digits = digits * 10 + (*p - '0');
+        }
+        exponent = *p == 'e' ? std::atoi(p + 1) : 0;
     }
-    const int exponent = *p == 'e' ? std::atoi(p + 1) : 0;
     // digits x 10^(exponent - 14) is the value; keep the digits down to 10^-decimals.
     const int keep = exponent + 1 + decimals;
     if (keep >= 15)

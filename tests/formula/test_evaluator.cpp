@@ -155,6 +155,35 @@ TEST(NumberText, CleanNumberDropsGroupMarksAndMovesTheSeparator)
     EXPECT_EQ(CleanNumberCopy("a.b", ","), "ab");
 }
 
+TEST(NumberText, CleanNumberIsItsStepsOneAfterTheOther)
+{
+    // The steps as they are told: with another separator every "." goes and the separator
+    // (in any case) becomes "."; then every ",", "'" and character 160 goes.
+    const auto steps = [](QString t, const QString &separator) {
+        if (separator.compare(QLatin1String("."), Qt::CaseInsensitive) != 0 && !separator.isEmpty()) {
+            t.remove(QLatin1Char('.'));
+            t.replace(separator, QLatin1String("."), Qt::CaseInsensitive);
+        }
+        t.remove(QLatin1Char(','));
+        t.remove(QLatin1Char('\''));
+        t.remove(QChar(0xA0));
+        return t;
+    };
+    const QString alphabet = QString::fromUtf8("0123456789.,'\u00a0 -+eEx\u00e4;");
+    const QString separators[] = {".", ",", "", "'", ";", "x", "X", "\u00a0", ",,", "\u00e4"};
+    uint32_t state = 7;
+    for (int k = 0; k < 4000; ++k) {
+        QString text;
+        for (int n = 0; n < k % 12; ++n) {
+            state = state * 1103515245u + 12345u;
+            text += alphabet[int((state >> 16) % uint32_t(alphabet.size()))];
+        }
+        for (const QString &separator : separators)
+            ASSERT_EQ(CleanNumberCopy(text, separator), steps(text, separator)) << text.toStdString() << " | "
+                                                                               << separator.toStdString();
+    }
+}
+
 TEST(NumberText, DefaultConversionGivesFifteenDigits)
 {
     const struct {

@@ -13,6 +13,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
 #include <random>
 #include <vector>
 
@@ -37,6 +40,53 @@ TEST(FieldFormat, NumbersRoundHalfAwayWithGrouping)
         EXPECT_EQ(FormatStoredValue(row.value, row.type, kUs), QLatin1String(row.text)) << row.text;
     EXPECT_EQ(FormatFixed(1234567, 0, kUs, false), "1234567");
     EXPECT_EQ(FormatCurrency(1234.5, 2, kUs), "$1,234.50");
+}
+
+// The rounding the formats and the rounding operators use, worked out here from printf's
+// "%.14e" text: the 15 significant digits, then halves at `places` away from zero or to even.
+double referenceRound(double value, int places, bool halfEven)
+{
+    char text[64];
+    std::snprintf(text, sizeof text, "%.14e", std::fabs(value));
+    std::string digits;
+    const char *p = text;
+    for (; *p != 'e'; ++p)
+        if (*p != '.')
+            digits += *p;
+    const int exponent = std::atoi(p + 1);
+    const int keep = exponent + 1 + places; // digits that stay
+    if (keep >= 15)
+        return std::strtod(text, nullptr) * (value < 0 ? -1 : 1);
+    if (keep < 0)
+        return 0.0;
+    long long kept = keep == 0 ? 0 : std::stoll(digits.substr(0, size_t(keep)));
+    const std::string rest = digits.substr(size_t(keep));
+    std::string half(rest.size(), '0');
+    half[0] = '5';
+    if (rest > half || (rest == half && (!halfEven || kept % 2 != 0)))
+        ++kept;
+    if (kept == 0)
+        return 0.0;
+    return std::strtod((std::to_string(kept) + "e" + std::to_string(-places)).c_str(), nullptr) * (value < 0 ? -1 : 1);
+}
+
+TEST(FieldFormat, RoundingWorksOnFifteenDigitsAtEveryMagnitude)
+{
+    std::mt19937_64 random(2024);
+    std::vector<double> values = {2.675, 1.005, 0.125, 0.375, 1e15, 999999999999999.5, 0.9999999999999995, 5e-5, 4.9999e-5,
+                                  123456.785, 1e-13, 3e-14, 7.0000000000000005, 0.30000000000000004};
+    for (int k = 0; k < 20000; ++k) {
+        const double magnitude = std::pow(10.0, double(random() % 31) - 15.0);
+        values.push_back((double(random() % 2000000001) / 1e9 - 1.0) * magnitude);
+        // Decimal halves at a few places, which sit next to a tie in binary.
+        values.push_back((double(int64_t(random() % 20000001) - 10000000) + 0.5) / std::pow(10.0, double(random() % 6)));
+    }
+    for (const double value : values) {
+        for (int places = 0; places <= 4; ++places) {
+            ASSERT_EQ(RoundHalfAway(value, places), referenceRound(value, places, false)) << value << " at " << places;
+            ASSERT_EQ(RoundHalfEven(value, places), referenceRound(value, places, true)) << value << " at " << places;
+        }
+    }
 }
 
 TEST(FieldFormat, FixedPlacesAreTheLocalesOwnTexts)
