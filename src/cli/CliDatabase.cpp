@@ -33,7 +33,12 @@ bool CliDatabase::open(const QString &image, const QString &dataFile, Access acc
     }
     if (access == Access::Read)
         db_->store().setViewOnly(true);
-    return db_->OpenDatabase(OpenMode::Open).ok();
+    // The engine has shown the design's own message; the system's reason follows it.
+    if (const Status opened = db_->OpenDatabase(OpenMode::Open); !opened) {
+        err_ << verb_ << ": " << opened.error().text << "\n";
+        return false;
+    }
+    return true;
 }
 
 } // namespace ff::cli

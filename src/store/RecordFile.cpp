@@ -94,6 +94,12 @@ Status RecordFile::OpenRecordPart(int part)
     const int fd = ::open(name.constData(), flags | O_CLOEXEC, 0666);
     if (fd < 0)
         return errnoError(errno, partName(part));
+    // A folder opens for reading like a file; it holds no records.
+    struct stat st {};
+    if (::fstat(fd, &st) == 0 && S_ISDIR(st.st_mode)) {
+        ::close(fd);
+        return errnoError(EISDIR, partName(part));
+    }
     fd_ = fd;
     openPart_ = part;
     return {};

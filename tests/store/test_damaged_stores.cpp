@@ -290,23 +290,27 @@ TEST_F(DamagedStore, AMissingPartIsToldAndThePartsAfterItAreLeftAlone)
     EXPECT_FALSE(QFile::exists(path("small0001")));
 }
 
-// A folder where the data file should be: the opening shows the file message of the design and
-// goes on with nothing; every later step fails in the open, and the folder stays empty.
+// A folder where the data file should be, opened to write or to read only: the opening shows the
+// file message of the design and goes on with nothing; every later step fails in the open, and the
+// folder stays empty.
 TEST_F(DamagedStore, AFolderInPlaceOfTheDataFile)
 {
     ASSERT_TRUE(QDir().mkdir(data));
-    Session s(dir.path(), data, fullDesign());
-    EXPECT_FALSE(s.db.OpenDatabase(OpenMode::Open));
-    ASSERT_EQ(s.host.texts().size(), 1);
-    EXPECT_EQ(s.host.texts()[0], QStringLiteral("File %1 not found").arg(data));
-    EXPECT_FALSE(s.store().NewRecord());
-    std::ignore = s.store().NavigateRecord(NavigationButton::Last);
-    s.db.page().FieldText[1] = QStringLiteral("typed");
-    std::ignore = s.store().LockRecord();
-    EXPECT_FALSE(s.store().PackRecord());
-    EXPECT_FALSE(s.db.shutdown()) << "the typed record cannot be saved, so it stays on the page";
-    EXPECT_TRUE(QFileInfo(data).isDir());
-    EXPECT_TRUE(QDir(data).isEmpty());
+    for (const bool viewOnly : {false, true}) {
+        SCOPED_TRACE(viewOnly ? "read only" : "read and write");
+        Session s(dir.path(), data, fullDesign());
+        s.store().setViewOnly(viewOnly);
+        EXPECT_FALSE(s.db.OpenDatabase(OpenMode::Open));
+        EXPECT_EQ(s.host.texts(), QStringList{QStringLiteral("File %1 not found").arg(data)});
+        EXPECT_FALSE(s.store().NewRecord());
+        std::ignore = s.store().NavigateRecord(NavigationButton::Last);
+        s.db.page().FieldText[1] = QStringLiteral("typed");
+        std::ignore = s.store().LockRecord();
+        EXPECT_EQ(s.store().PackRecord().ok(), viewOnly) << "a reader writes nothing, and so fails in nothing";
+        EXPECT_EQ(s.db.shutdown().ok(), viewOnly) << "the typed record cannot be saved, so it stays on the page";
+        EXPECT_TRUE(QFileInfo(data).isDir());
+        EXPECT_TRUE(QDir(data).isEmpty());
+    }
 }
 
 // The user may not read the data file, or may read but not write it. Root reads any file, so these
