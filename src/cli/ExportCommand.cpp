@@ -3,6 +3,8 @@
 #include "export/RecordExport.h"
 #include "export/XmlRecord.h"
 #include "pdf/PdfRecordExport.h"
+#include "pdf/PdfReportExport.h"
+#include "print/StoreRecords.h"
 #include "search/SearchEngine.h"
 #include "search/SearchNames.h"
 #include "search/SortIndexBuilder.h"
@@ -80,7 +82,10 @@ ExportCommand::ExportCommand()
       downOption_(QStringLiteral("down"), QStringLiteral("With --sort: from the largest value down.")),
       threadsOption_(QStringLiteral("threads"), QStringLiteral("Threads of the text export (default: as it sees fit)."),
                      QStringLiteral("N")),
-      recordOption_(QStringLiteral("record"), QStringLiteral("With xml and htm: the record to write."), QStringLiteral("N"))
+      recordOption_(QStringLiteral("record"), QStringLiteral("With xml and htm: the record to write."), QStringLiteral("N")),
+      reportOption_(QStringLiteral("report"),
+                    QStringLiteral("With pdf: report K of the design (from 1) over all records or the --search hits."),
+                    QStringLiteral("K"))
 {
     addOption(fromOption_);
     addOption(toOption_);
@@ -89,6 +94,7 @@ ExportCommand::ExportCommand()
     addOption(downOption_);
     addOption(threadsOption_);
     addOption(recordOption_);
+    addOption(reportOption_);
 }
 
 std::optional<CliDatabase::Access> ExportCommand::access(const QStringList &arguments, const QCommandLineParser &) const
@@ -263,6 +269,28 @@ int ExportCommand::exportPdf(CliDatabase &database, const ExportRequest &request
 {
     const bool perRecord = request.choice.kind == ExportKind::PdfPerRecord;
     const QString base = QDir(request.folder).filePath(CutExportExtension(request.name));
+    if (parser.isSet(reportOption_)) {
+        bool ok = false;
+        const int report = parser.value(reportOption_).toInt(&ok);
+        if (!ok || perRecord)
+            return usageError(io, QStringLiteral("--report K goes with the kind pdf and takes a number"));
+        RecordStore &store = database.db().store();
+        QVector<int> list;
+        if (request.range.resultList())
+            for (int i = request.range.ExportFirst(); i <= request.range.ExportLast(); ++i)
+                list.append(request.range.recordAt(i));
+        print::StoreRecords records(store);
+        pdf::PdfReportExport exporter(database.db().design(), database.db().paths().AppFolder, store.RecordPictureFolder());
+        const Result<int> pages = exporter.ExportPDFreport(report - 1, records, base + QStringLiteral(".pdf"),
+                                                           request.range.resultList() ? &list : nullptr);
+        if (!pages) {
+            io.err << name() << ": " << pages.error().text << "\n";
+            return 1;
+        }
+        io.out << "exported report " << report << " on " << *pages << (*pages == 1 ? " page" : " pages") << " to "
+               << QDir::toNativeSeparators(base + QStringLiteral(".pdf")) << "\n";
+        return 0;
+    }
     pdf::PdfRecordExport exporter(database.db().store(), database.context(), database.db().paths().AppFolder);
     const Result<pdf::PdfOutcome> done =
         exporter.PrintPDF(perRecord ? base : base + QStringLiteral(".pdf"),

@@ -7,7 +7,8 @@
 // file), templates:I (template I, a file a record in a folder), xls (the spreadsheet), listing
 // (the ".rtf" listing), html (a folder of HTML record pages with the paging index.php), htm (the
 // pages of one record, --record N), php (the web form site; it takes no records), pdf (one PDF
-// document of the records) or pdfs (a PDF document a record). OUT is the folder and name of the export; its extension is cut and the
+// document of the records, or with --report K report K of the design) or pdfs (a PDF document a
+// record). OUT is the folder and name of the export; its extension is cut and the
 // kind adds its own. The range is all records, or --from and --to, in file order or in the order
 // of --sort; --search exports the records a select or find line lists, in its order. The kind xml
 // writes the XML text of one record, as Copy puts it on the clipboard, in UTF-8 (OUT "-" is
@@ -45,6 +46,7 @@ private:
     QCommandLineOption downOption_;
     QCommandLineOption threadsOption_;
     QCommandLineOption recordOption_;
+    QCommandLineOption reportOption_;
 };
 
 } // namespace ff::cli

@@ -3,11 +3,15 @@
 #include "core/MessageSink.h"
 #include "gui/MainWindow.h"
 #include "gui/MainWindowHost.h"
+#include "pdf/PdfReportExport.h"
 #include "pdf/RecordMailer.h"
+#include "print/StoreRecords.h"
 #include "store/Database.h"
 #include "toolkit/WaitWindow.h"
 
 #include <QAction>
+#include <QDir>
+#include <QFileDialog>
 #include <QMenu>
 #include <QProcess>
 #include <QStandardPaths>
@@ -81,6 +85,40 @@ void MailActions::composeWithDesktop()
         arguments << addressText().trimmed();
     if (!QProcess::startDetached(QStringLiteral("xdg-email"), arguments))
         main_.host().ShowMessage(QString(), tr("The desktop's compose window could not be opened."), kMessageColour);
+}
+
+void MailActions::saveReportPdf(int reportIndex, const QVector<int> *list, QWidget *parent)
+{
+    const QString chosen = QFileDialog::getSaveFileName(parent, tr("Save the report as PDF"), QDir::currentPath(),
+                                                        QStringLiteral("*.PDF;;*.*"));
+    if (chosen.isEmpty())
+        return;
+    const QString path = pdf::PdfReportExport::ReportFileName(chosen);
+    RecordStore &store = main_.database().store();
+    print::StoreRecords records(store);
+    toolkit::WaitWindow wait(parent);
+    wait.setWindowTitle(tr("PDF"));
+    wait.begin();
+    pdf::PdfReportExport exporter(main_.design(), main_.database().paths().AppFolder, store.RecordPictureFolder());
+    const Result<int> done = exporter.ExportPDFreport(reportIndex, records, path, list, &wait);
+    wait.end();
+    if (!done)
+        main_.host().ShowMessage(QString(), tr("The PDF could not be written: %1.").arg(done.error().text), kMessageColour);
+}
+
+QString MailActions::mailReport(int reportIndex, const QVector<int> *list)
+{
+    if (savedRecord() < 1)
+        return QString();
+    pdf::RecordMailer mailer(main_.database().store(), main_.context(), main_.database().paths().AppFolder);
+    const Result<QString> written =
+        mailer.MailReport(reportIndex, main_.design().MainCap, main_.database().clock().today(), list);
+    if (!written) {
+        main_.host().openWithDesktop(QStringLiteral("mailto:") + addressText(), QString());
+        return QString();
+    }
+    main_.host().openWithDesktop(*written, QString());
+    return *written;
 }
 
 } // namespace ff::gui

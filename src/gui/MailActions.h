@@ -3,12 +3,14 @@
 // mail message, which the desktop opens in the user's mail program, ready to be checked and sent.
 // When no PDF can be made, the desktop gets a "mailto:" link to the record's address instead.
 // Where xdg-email is installed, a second command opens the desktop's own compose window with the
-// record's PDF attached.
+// record's PDF attached. The report preview saves and mails its report as a PDF through it as well.
 
 #include <QObject>
+#include <QVector>
 
 class QMenu;
 class QToolBar;
+class QWidget;
 
 namespace ff::gui {
 
@@ -27,6 +29,11 @@ public:
     QString mailRecord();
     // The compose window of xdg-email with the record's PDF attached.
     void composeWithDesktop();
+
+    // The report preview's buttons for report `reportIndex` (0-based), over `list` when given: the
+    // report as a PDF file chosen in a file dialog, and the report mailed as an unsent message.
+    void saveReportPdf(int reportIndex, const QVector<int> *list, QWidget *parent);
+    QString mailReport(int reportIndex, const QVector<int> *list);
 
 private:
     // The record on the page, saved first; 0 when it cannot be saved.

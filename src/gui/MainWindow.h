@@ -92,6 +92,8 @@ public:
     ExportImportActions &exportImport() { return *exportImport_; }
     // Printing records and reports.
     PrintActions &printing() { return *printing_; }
+    // Mailing the record or a report, and a report as a PDF file.
+    MailActions &mail() { return *mail_; }
     // The statistics command and its chart windows.
     ChartActions &charts() { return *charts_; }
 

@@ -1,6 +1,7 @@
 #include "gui/ReportPreviewWindow.h"
 
 #include "core/SettingsStore.h"
+#include "gui/MailActions.h"
 #include "gui/MainWindow.h"
 #include "gui/MainWindowHost.h"
 #include "gui/PrintOptionsWindow.h"
@@ -64,6 +65,32 @@ ReportPreviewWindow::ReportPreviewWindow(MainWindow &main, print::ReportEngine e
     connect(printButton_, &QPushButton::clicked, this, [this] {
         QPrinter printer(QPrinter::HighResolution);
         printReport(printer);
+    });
+    // The PDF and mail buttons. The report is found in the design by its definition.
+    auto *pdfButton = new QPushButton(tr("PDF..."), this);
+    pdfButton->setObjectName(QStringLiteral("SavePDFFile"));
+    auto *mailButton = new QPushButton(tr("Mail"), this);
+    mailButton->setObjectName(QStringLiteral("mailReportButton"));
+    mailButton->setVisible(main.design().MailIconVisible);
+    bar->addWidget(pdfButton);
+    bar->addWidget(mailButton);
+    const auto reportIndex = [this] {
+        const std::vector<ReportDefinition> &reports = main_.design().Reports;
+        for (size_t i = 0; i < reports.size(); ++i)
+            if (reports[i].Caption == engine_.caption() && reports[i].Labels.size() == engine_.definition().Labels.size())
+                return int(i);
+        return -1;
+    };
+    const auto list = [this]() -> const QVector<int> * {
+        return engine_.source() == print::ReportSource::AllRecords ? nullptr : &engine_.sourceList();
+    };
+    connect(pdfButton, &QPushButton::clicked, this, [this, reportIndex, list] {
+        if (const int i = reportIndex(); i >= 0)
+            main_.mail().saveReportPdf(i, list(), this);
+    });
+    connect(mailButton, &QPushButton::clicked, this, [this, reportIndex, list] {
+        if (const int i = reportIndex(); i >= 0)
+            std::ignore = main_.mail().mailReport(i, list());
     });
 
     pageLabel_->setAlignment(Qt::AlignLeft | Qt::AlignTop);

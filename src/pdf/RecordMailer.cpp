@@ -3,6 +3,8 @@
 #include "export/ExportRecordReader.h"
 #include "pdf/MailComposer.h"
 #include "pdf/PdfRecordExport.h"
+#include "pdf/PdfReportExport.h"
+#include "print/StoreRecords.h"
 
 namespace ff::pdf {
 
@@ -40,6 +42,29 @@ Result<QString> RecordMailer::MailRecord(int record, const QString &mailer, cons
     message.recordBoxText = QString::number(record);
     message.date = today;
     return MailComposer::WriteMail(folder, message, *pdf);
+}
+
+Result<QString> RecordMailer::MailReport(int reportIndex, const QString &mailer, const QDate &today, const QVector<int> *list,
+                                         QString folder)
+{
+    if (folder.isEmpty())
+        folder = MailComposer::GetTempFolder();
+    const Design &design = store_.design();
+    if (reportIndex < 0 || size_t(reportIndex) >= design.Reports.size())
+        return makeError(ErrorCode::SubscriptOutOfRange, QStringLiteral("no report %1").arg(reportIndex + 1));
+    const QString path = folder + QString(design.Reports[size_t(reportIndex)].Caption).remove(QLatin1Char('.'))
+                         + QStringLiteral("Report.PDF");
+    print::StoreRecords records(store_);
+    PdfReportExport exporter(design, pictureFolder_, store_.RecordPictureFolder());
+    const Result<int> done = exporter.ExportPDFreport(reportIndex, records, path, list);
+    if (!done)
+        return done.error();
+    MailMessage message;
+    message.recipient = MailComposer::Recipient(design, store_.page());
+    message.mailer = mailer;
+    message.recordBoxText = QString::number(store_.CurrentRecord());
+    message.date = today;
+    return MailComposer::WriteMail(folder, message, path);
 }
 
 } // namespace ff::pdf

@@ -72,6 +72,12 @@ public:
     // What a label shows after LoadReport.
     QString labelCaption(int label) const { return label >= 0 && size_t(label) < labels_.size() ? labels_[size_t(label)].Caption : QString(); }
     int labelRow(int label) const { return label >= 0 && size_t(label) < labels_.size() ? labels_[size_t(label)].LabelRow : 0; }
+    // The source of the records and its list, as setSource gave them.
+    ReportSource source() const { return source_; }
+    const QVector<int> &sourceList() const { return RecordList; }
+    // A label that shows a check field as a small picture instead of text, and whether it is ticked.
+    bool labelIsCheck(int label) const { return label >= 0 && size_t(label) < labels_.size() && labels_[size_t(label)].Tag == QLatin1String("x"); }
+    bool labelChecked(int label) const { return labelIsCheck(label) && labels_[size_t(label)].checked; }
     // The records shown on the page, row by row (0 for an empty row).
     QVector<int> recordsShown(const ReportRecords &records) const;
 

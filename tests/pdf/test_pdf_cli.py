@@ -262,6 +262,46 @@ def check_cyrillic(build, cli, source, work):
     check(fields == ["Звонить утром.", "Всё хорошо"], "the notes keep their letters: %r" % fields)
 
 
+def check_report(build, cli, source, work):
+    """The invoice example's report cut to three rows a page: 7 records on 3 PDF pages."""
+    example = os.path.join(source, "examples", "invoice")
+    folder = os.path.join(work, "invoice")
+    shutil.copytree(example, folder)
+    design = json.load(open(os.path.join(folder, "invoice.json"), encoding="utf-8"))
+    report = design["Reports"][0]
+    report["Labels"] = [l for l in report["Labels"] if l["LabelRow"] <= 3]
+    json.dump(design, open(os.path.join(folder, "invoice.json"), "w", encoding="utf-8"))
+    image = os.path.join(folder, "invoice.exe")
+    check(run(build, os.path.join(folder, "invoice.json"), "-o", image, "--runtime", cli).returncode == 0, "invoice built")
+    check(run(sys.executable, os.path.join(source, "tools", "load_samples.py"), cli, image, folder).returncode == 0,
+          "invoices load")
+    records = read_records(folder)
+    pdf = os.path.join(work, "report.pdf")
+    done = run(cli, "export", image, "pdf", pdf, "--report", "1")
+    check(done.returncode == 0 and "on 3 pages" in done.stdout, "the report exports on 3 pages: " + done.stdout + done.stderr)
+    qpdf_ok(pdf)
+    pages = text_pages(pdf)
+    check(len(pages) == 3, "3 pages of the report")
+    for p, page in enumerate(pages):
+        rows = [l for l in page.splitlines() if re.match(r"\s*2024-\d\d\d", l)]
+        expected = records[p * 3:p * 3 + 3]
+        check([r.split()[0] for r in rows] == [e["number"] for e in expected], "page %d lists its rows: %r" % (p + 1, rows))
+        check(all(e["customer"] in page for e in expected), "page %d names its customers" % (p + 1))
+
+    tmp = os.path.join(work, "reporttmp")
+    os.makedirs(tmp)
+    done = run(cli, "mail", image, "3", "--report", "1", env=dict(os.environ, TMPDIR=tmp))
+    check(done.returncode == 0, "the report is mailed: " + done.stderr)
+    message = email.message_from_bytes(open(done.stdout.strip(), "rb").read(), policy=email.policy.default)
+    part = list(message.iter_parts())[0]
+    check(part.get_filename() == "Record3.pdf", "the attachment keeps the record box's name: %r" % part.get_filename())
+    attached = os.path.join(work, "report-attached.pdf")
+    open(attached, "wb").write(part.get_payload(decode=True))
+    check(len(text_pages(attached)) == 3, "the attachment is the report")
+    check(sorted(os.listdir(tmp)) in (["Newmail.eml"], ["Newmail.eml", "runtime-%d" % os.getuid()]),
+          "only the message stays: %r" % os.listdir(tmp))
+
+
 def main():
     build, cli, source = sys.argv[1:4]
     if not shutil.which("pdftotext") or not shutil.which("qpdf"):
@@ -273,6 +313,7 @@ def main():
         check_record_documents(cli, image, folder, work)
         check_mail(cli, image, folder, work)
         check_cyrillic(build, cli, source, work)
+        check_report(build, cli, source, work)
     finally:
         shutil.rmtree(work, ignore_errors=True)
     print("ok")
