@@ -240,6 +240,8 @@ void MainWindow::buildToolbar()
     bar->addWidget(newButton_);
     exportImport_->addEditIcons(bar);
     buildSearchCommands(bar);
+    charts_ = new ChartActions(*this);
+    charts_->addCommands(bar, menuBar());
 
     actionButton_ = new QToolButton(bar);
     actionButton_->setIcon(st->standardIcon(QStyle::SP_CommandLink));
@@ -258,8 +260,6 @@ void MainWindow::buildToolbar()
     actionButton_->setProperty("toolbarAction", QVariant::fromValue(static_cast<QObject *>(actionItem)));
 
     buildInfoCommands(bar);
-    charts_ = new ChartActions(*this);
-    charts_->addCommands(bar, menuBar());
 
     if (d.CaptionRun[0].isEmpty())
         open->setVisible(false);
