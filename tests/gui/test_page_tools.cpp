@@ -162,6 +162,11 @@ private Q_SLOTS:
         QVERIFY(handle->isVisible());
         QLabel *picture = layer->imageWidget(0);
         QCOMPARE(handle->geometry().center(), picture->geometry().bottomRight());
+        // A drag moves the picture onto the grid, and the handle follows.
+        PageToolsFixture::drag(picture, QPoint(5, 5), QPoint(30, 12)); // 295 x 201 px: 7.81, 5.32 cm
+        QCOMPARE(f.page().FlowImages[0].left, int(std::lround(8 * kCm)));
+        QCOMPARE(f.page().FlowImages[0].top, int(std::lround(5 * kCm)));
+        QCOMPARE(handle->geometry().center(), picture->geometry().bottomRight());
 
         // The handle sizes it; let go, the size is whole centimetres.
         PageToolsFixture::drag(handle, QPoint(4, 4), QPoint(40, 25)); // 88 x 73 px: 2.33 x 1.93 cm
@@ -274,6 +279,10 @@ private Q_SLOTS:
         QTest::keyClick(link, Qt::Key_Return);
         QCOMPARE(f.page().FlowImages[0].FlowImageLink, 2);
         QCOMPARE(link->text(), QStringLiteral("2"));
+        // Dragging a linked picture moves it; only a plain click follows the link.
+        PageToolsFixture::drag(layer->imageWidget(0), QPoint(3, 3), QPoint(20, 20));
+        QCOMPARE(f.window->database().store().CurrentRecord(), 1);
+        QCOMPARE(f.page().FlowImages[0].left, 4 * 1440); // 396 px on the half-inch grid: 4 inches
         QCOMPARE(f.page().FlowLabels[0].color, 0x0000FF);
 
         // Delete from the toolbox: the picture goes from the page and from the saved record.
