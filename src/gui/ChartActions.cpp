@@ -24,13 +24,16 @@ void ChartActions::addCommands(QToolBar *bar, QMenuBar *menus)
     action_->setToolTip(d.StatsTip.isEmpty() ? tr("Statistics of the field with the focus") : d.StatsTip);
     connect(action_, &QAction::triggered, this, [this] { openForFocus(); });
     bar->addAction(action_);
-    QMenu *tools = nullptr;
+    // Beside the search and sort commands; a window without them gets a menu of its own.
+    QMenu *search = nullptr;
     for (QAction *entry : menus->actions())
-        if (entry->menu() && entry->text() == tr("&Tools"))
-            tools = entry->menu();
-    if (!tools)
-        tools = menus->addMenu(tr("&Tools"));
-    tools->addAction(action_);
+        if (entry->menu() && entry->text() == tr("&Search"))
+            search = entry->menu();
+    if (search)
+        search->addSeparator();
+    else
+        search = menus->addMenu(tr("&Statistics"));
+    search->addAction(action_);
 }
 
 int ChartActions::openWindows() const

@@ -1,5 +1,5 @@
 #pragma once
-// The statistics command of the main window: a toolbar button and a Tools menu entry that open a
+// The statistics command of the main window: a toolbar button and a Search menu entry that open a
 // chart window for the element with the focus (a field, a combo or a check box). Up to 100 chart
 // windows stand at once, each in the next free slot, cascading by 100 twips a slot from the first.
 
@@ -25,7 +25,7 @@ public:
 
     explicit ChartActions(MainWindow &main);
 
-    // The toolbar button (tool tip StatsTip) and the Tools menu entry.
+    // The toolbar button (tool tip StatsTip) and the Search menu entry.
     void addCommands(QToolBar *bar, QMenuBar *menus);
     QAction *statisticsAction() const { return action_; }
 

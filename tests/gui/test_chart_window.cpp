@@ -16,6 +16,8 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPrinter>
 #include <QTemporaryDir>
 #include <QToolBar>
@@ -88,6 +90,12 @@ private Q_SLOTS:
         auto *bar = main->findChild<QToolBar *>(QStringLiteral("records"));
         QWidget *button = bar->widgetForAction(command);
         QVERIFY(button && button->isVisible());
+        // The same command stands in the Search menu.
+        int inMenus = 0;
+        for (QAction *entry : main->menuBar()->actions())
+            if (entry->menu() && entry->menu()->actions().contains(command))
+                inMenus += entry->text() == QStringLiteral("&Search") ? 1 : 100;
+        QCOMPARE(inMenus, 1);
 
         // The category combo: five groups, largest first, shares of the 25 records.
         const int category = comboIndex(d.Combos, "category");
