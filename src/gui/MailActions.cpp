@@ -3,6 +3,8 @@
 #include "core/MessageSink.h"
 #include "gui/MainWindow.h"
 #include "gui/MainWindowHost.h"
+#include "export/ExportKinds.h"
+#include "pdf/PdfRecordExport.h"
 #include "pdf/PdfReportExport.h"
 #include "pdf/RecordMailer.h"
 #include "print/StoreRecords.h"
@@ -101,6 +103,25 @@ void MailActions::saveReportPdf(int reportIndex, const QVector<int> *list, QWidg
     wait.begin();
     pdf::PdfReportExport exporter(main_.design(), main_.database().paths().AppFolder, store.RecordPictureFolder());
     const Result<int> done = exporter.ExportPDFreport(reportIndex, records, path, list, &wait);
+    wait.end();
+    if (!done)
+        main_.host().ShowMessage(QString(), tr("The PDF could not be written: %1.").arg(done.error().text), kMessageColour);
+}
+
+void MailActions::saveRowsPdf(const QVector<int> &rows, QWidget *parent)
+{
+    QString path = QFileDialog::getSaveFileName(parent, tr("Save the records as PDF"), QDir::currentPath(),
+                                                QStringLiteral("*.pdf;;*.*"));
+    if (path.isEmpty() || rows.isEmpty())
+        return;
+    path = CutExportExtension(path) + QStringLiteral(".pdf");
+    RecordStore &store = main_.database().store();
+    toolkit::WaitWindow wait(parent);
+    wait.setWindowTitle(tr("PDF"));
+    wait.begin();
+    pdf::PdfRecordExport exporter(store, main_.context(), main_.database().paths().AppFolder);
+    const Result<pdf::PdfOutcome> done =
+        exporter.PrintPDF(path, pdf::PdfMode::OneDocument, ExportRange::ResultList(rows, store.RecordCount()), &wait);
     wait.end();
     if (!done)
         main_.host().ShowMessage(QString(), tr("The PDF could not be written: %1.").arg(done.error().text), kMessageColour);

@@ -34,6 +34,8 @@ public:
     // report as a PDF file chosen in a file dialog, and the report mailed as an unsent message.
     void saveReportPdf(int reportIndex, const QVector<int> *list, QWidget *parent);
     QString mailReport(int reportIndex, const QVector<int> *list);
+    // The results window's PDF button: the records of `rows`, in their order, as one document.
+    void saveRowsPdf(const QVector<int> &rows, QWidget *parent);
 
 private:
     // The record on the page, saved first; 0 when it cannot be saved.

@@ -2,6 +2,7 @@
 
 #include "gui/ExportImportActions.h"
 #include "gui/MainWindowHost.h"
+#include "gui/MailActions.h"
 #include "gui/MainWindow.h"
 #include "gui/PrintActions.h"
 #include "gui/PickedFieldsFind.h"
@@ -191,11 +192,30 @@ ResultsWindow::ResultsWindow(MainWindow &main, Request request)
                 main_.printing().openReportOfRows(int(i), QVector<int>(shown.begin(), shown.end()));
             });
     printButton_->setMenu(printMenu);
+    // PDF: the rows' records as one document, or the list as any report of the design.
+    auto *pdfButton = new QPushButton(tr("PDF..."), this);
+    pdfButton->setObjectName(QStringLiteral("pdfButton"));
+    auto *pdfMenu = new QMenu(pdfButton);
+    pdfMenu->addAction(tr("Records..."), this, [this] {
+        const std::vector<int32_t> shown = list_->ImportReport();
+        if (!running_)
+            main_.mail().saveRowsPdf(QVector<int>(shown.begin(), shown.end()), this);
+    });
+    for (size_t i = 0; i < design.Reports.size(); ++i)
+        if (!design.Reports[i].Caption.isEmpty())
+            pdfMenu->addAction(design.Reports[i].Caption, this, [this, i] {
+                const std::vector<int32_t> shown = list_->ImportReport();
+                const QVector<int> rows(shown.begin(), shown.end());
+                if (!running_)
+                    main_.mail().saveReportPdf(int(i), &rows, this);
+            });
+    pdfButton->setMenu(pdfMenu);
 
     auto *top = new QHBoxLayout;
     top->addWidget(lineBox_, 1);
     top->addWidget(stopButton_);
     top->addWidget(printButton_);
+    top->addWidget(pdfButton);
     top->addWidget(reportButton_);
     top->addWidget(exportButton_);
     top->addWidget(exitButton_);
