@@ -137,6 +137,8 @@ private Q_SLOTS:
         const QColor wall = shot.pixelColor(QPoint(int(disc.center().x()), int(disc.bottom() + charts::kPieDepth / 2)));
         QVERIFY2(wall.lightness() < 160 && wall != QColor(Qt::black), qPrintable(wall.name()));
 
+        saveShot(pie, QStringLiteral("chart-pie.png"));
+
         // The 2D pie on the window's own geometry: centre (h / 3 + 20, h / 2 - 50) twips.
         QTest::mouseClick(pie->typeButton(gui::ChartWindow::Pie2D), Qt::LeftButton);
         QCOMPARE(pie->chartType(), int(gui::ChartWindow::Pie2D));
@@ -146,7 +148,6 @@ private Q_SLOTS:
         const double radius = h / 3 / 15;
         QCOMPARE(colourAt(shot, centre, radius, radius, slices[0] * 3.6 / 2), charts::SliceColour(0));
         QCOMPARE(colourAt(shot, centre, radius, radius, 360 - slices[4] * 3.6 / 2), charts::SliceColour(4));
-        saveShot(pie, QStringLiteral("chart-pie.png"));
 
         // The balance field: ten ranges as counted here; the second window stands one slot on.
         const int balance = elementIndex(d.Fields, "balance");
