@@ -160,6 +160,19 @@ def check_record_documents(cli, image, folder, work):
             if a.get("/FT") == "/Tx":
                 fields[text(a["/T"])] = text(a.get("/V", ""))
                 check(re.match(r"/\S+ [\d.]+ Tf ", text(a["/DA"])), "a field has its appearance: %r" % a)
+    # Backgrounds: the second page, with no picture of the record's own, is one stored picture on
+    # every record's page; the first page carries each record's photo, so each record has its own.
+    listed = run("pdfimages", "-list", pdf).stdout.splitlines()[2:]
+    backgrounds = {}
+    for line in listed:
+        f = line.split()
+        if f[3] == "720":
+            backgrounds.setdefault(int(f[0]), f[10])
+    check(sorted(backgrounds) == [1, 2, 3, 4, 5, 6], "a background on each page: %r" % backgrounds)
+    check(len({backgrounds[p] for p in (2, 4, 6)}) == 1, "the second pages share one background: %r" % backgrounds)
+    photos = [backgrounds[p] for p, r in zip((1, 3, 5), records) if r["photo"]]
+    check(len(set(photos)) == len(photos) and backgrounds[2] not in photos,
+          "a page with a record's photo has its own background: %r" % backgrounds)
     # Notes are fillable fields holding their values, one name a record.
     expected = {"Notes1_%d" % (n + 1): r["notes"].replace("\\n", "\r\n") for n, r in enumerate(records)}
     check(fields == expected, "note fields %r, not %r" % (fields, expected))
