@@ -201,6 +201,7 @@ def check_record_documents(cli, image, folder, work):
     pdf = os.path.join(work, "search.pdf")
     done = run(cli, "export", image, "pdf", pdf, "--search", "select firstname where company=B*")
     check(done.returncode == 0, "export pdf over a search: " + done.stderr)
+    qpdf_ok(pdf)
     listed = run(cli, "search", image, "select firstname where company=B*").stdout.split()
     everything = read_records(folder)
     hits = [everything[int(line.split("~")[0]) - 1] for line in listed]

@@ -50,6 +50,8 @@ private Q_SLOTS:
             exporter.PrintPDF(pdf, pdf::PdfMode::OneDocument, ExportRange::Records(1, 1, db.store().RecordCount()));
         QVERIFY2(done.ok(), done.ok() ? "" : qPrintable(done.error().text));
         QCOMPARE(done->pages, 1); // the second page of the design is not included
+        if (const QString qpdf = QStandardPaths::findExecutable(QStringLiteral("qpdf")); !qpdf.isEmpty())
+            QCOMPARE(testsupport::runProgram(qpdf, {QStringLiteral("--check"), pdf}).exitCode, 0);
 
         const QString shots = QDir(qEnvironmentVariable("FLATFORM_BINARY_DIR", dir.path())).filePath(QStringLiteral("pdf-shots"));
         QVERIFY(QDir().mkpath(shots));

@@ -39,6 +39,15 @@ std::vector<Word> wordsOf(const QString &pdf)
     return words;
 }
 
+// qpdf's structural check of a written file: its syntax, streams and cross references.
+void expectQpdfPasses(const QString &pdf)
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("qpdf")).isEmpty())
+        return;
+    const testsupport::ProgramRun check = testsupport::runProgram(QStringLiteral("qpdf"), {QStringLiteral("--check"), pdf});
+    EXPECT_EQ(check.exitCode, 0) << check.out.toStdString() << check.err.toStdString();
+}
+
 bool havePoppler()
 {
     return !QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty()
@@ -72,6 +81,7 @@ TEST(PdfWriter, TextsOfThreeScriptsComeBackInTheirBoxes)
     ASSERT_TRUE(writer.TextBox(QRectF(1440, 5000, 4000, 800), 0, QStringLiteral("two\r\nlines")).ok());
     ASSERT_TRUE(writer.EndDocument().ok());
 
+    expectQpdfPasses(path);
     const std::vector<Word> words = wordsOf(path);
     ASSERT_EQ(words.size(), cases.size() + 2);
     for (size_t i = 0; i < cases.size(); ++i) {
@@ -114,6 +124,7 @@ TEST(PdfWriter, OneBackgroundFillsEveryPageAndIsStoredOnce)
     }
     ASSERT_TRUE(writer.EndDocument().ok());
     EXPECT_EQ(writer.pageCount(), 3);
+    expectQpdfPasses(path);
 
     const testsupport::ProgramRun list = testsupport::runProgram(QStringLiteral("pdfimages"), {QStringLiteral("-list"), path});
     ASSERT_EQ(list.exitCode, 0);
