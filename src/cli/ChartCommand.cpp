@@ -6,6 +6,8 @@
 #include "search/SearchEngine.h"
 
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QGuiApplication>
 #include <QImageWriter>
 
@@ -21,6 +23,58 @@ std::optional<charts::ChartKind> chartKindOf(SearchKind kind)
     case SearchKind::Check: return charts::ChartKind::Check;
     default: return std::nullopt;
     }
+}
+
+QString textOf(const charts::ChartModel &model, const QLocale &locale)
+{
+    QString text;
+    text += QStringLiteral("chart: %1\n").arg(model.title);
+    if (model.numeric) {
+        const charts::PieStatsData &s = model.stats;
+        text += QStringLiteral("count: %1\n").arg(s.ValueCount);
+        if (s.ValueCount > 0) {
+            text += QStringLiteral("sum: %1\n").arg(FormatFixed(double(s.Total), 4, locale, false));
+            text += QStringLiteral("average: %1\n").arg(FormatFixed(s.Average, 4, locale, false));
+            text += QStringLiteral("lowest: %1\n").arg(FormatFixed(charts::fixedToDouble(s.Lowest), 4, locale, false));
+            text += QStringLiteral("highest: %1\n").arg(FormatFixed(charts::fixedToDouble(s.Highest), 4, locale, false));
+            text += QStringLiteral("step: %1\n").arg(FormatFixed(charts::fixedToDouble(s.Step), 4, locale, false));
+            text += QStringLiteral("axis top: %1\n").arg(s.AxisTop);
+            text += QStringLiteral("ranges:\n");
+            for (const charts::StatsRow &row : model.rows)
+                text += row.range + QLatin1Char('\t') + row.count + QLatin1Char('\t') + row.share + QLatin1Char('\n');
+        }
+    }
+    text += QStringLiteral("groups: %1 of %2 values\n").arg(model.groups.groups.size()).arg(model.groups.total);
+    for (const charts::PieGroup &g : model.groups.groups)
+        text += g.label + QLatin1Char('\t') + QString::number(g.count) + QLatin1Char('\t')
+                + charts::ShareText(g.count, model.groups.total, locale) + QLatin1Char('\n');
+    return text;
+}
+
+QJsonObject jsonOf(const charts::ChartModel &model, const QLocale &locale)
+{
+    QJsonObject o{{QStringLiteral("chart"), model.title}, {QStringLiteral("values"), double(model.groups.total)}};
+    if (model.numeric && model.stats.ValueCount > 0) {
+        const charts::PieStatsData &s = model.stats;
+        QJsonArray ranges;
+        for (size_t k = 0; k < model.rows.size(); ++k)
+            ranges.append(QJsonObject{{QStringLiteral("range"), model.rows[k].range.trimmed()},
+                                      {QStringLiteral("upTo"), charts::fixedToDouble(s.Bounds[k + 1])},
+                                      {QStringLiteral("count"), double(s.RangeCounts[k])}});
+        o.insert(QStringLiteral("statistics"),
+                 QJsonObject{{QStringLiteral("count"), double(s.ValueCount)}, {QStringLiteral("sum"), double(s.Total)},
+                             {QStringLiteral("average"), s.Average}, {QStringLiteral("lowest"), charts::fixedToDouble(s.Lowest)},
+                             {QStringLiteral("highest"), charts::fixedToDouble(s.Highest)},
+                             {QStringLiteral("step"), charts::fixedToDouble(s.Step)}, {QStringLiteral("axisTop"), s.AxisTop},
+                             {QStringLiteral("ranges"), ranges}});
+    }
+    QJsonArray groups;
+    for (const charts::PieGroup &g : model.groups.groups)
+        groups.append(QJsonObject{{QStringLiteral("label"), g.label}, {QStringLiteral("count"), double(g.count)},
+                                  {QStringLiteral("share"), charts::ShareText(g.count, model.groups.total, locale)},
+                                  {QStringLiteral("others"), g.others}});
+    o.insert(QStringLiteral("groups"), groups);
+    return o;
 }
 
 } // namespace
@@ -87,28 +141,11 @@ int ChartCommand::executeOn(CliDatabase &database, const QStringList &arguments,
     const QLocale locale;
     const charts::ChartModel model = charts::BuildChart(store, *kind, field.index, locale);
 
-    QString text;
-    text += QStringLiteral("chart: %1\n").arg(model.title);
-    if (model.numeric) {
-        const charts::PieStatsData &s = model.stats;
-        text += QStringLiteral("count: %1\n").arg(s.ValueCount);
-        if (s.ValueCount > 0) {
-            text += QStringLiteral("sum: %1\n").arg(FormatFixed(double(s.Total), 4, locale, false));
-            text += QStringLiteral("average: %1\n").arg(FormatFixed(s.Average, 4, locale, false));
-            text += QStringLiteral("lowest: %1\n").arg(FormatFixed(charts::fixedToDouble(s.Lowest), 4, locale, false));
-            text += QStringLiteral("highest: %1\n").arg(FormatFixed(charts::fixedToDouble(s.Highest), 4, locale, false));
-            text += QStringLiteral("step: %1\n").arg(FormatFixed(charts::fixedToDouble(s.Step), 4, locale, false));
-            text += QStringLiteral("axis top: %1\n").arg(s.AxisTop);
-            text += QStringLiteral("ranges:\n");
-            for (const charts::StatsRow &row : model.rows)
-                text += row.range + QLatin1Char('\t') + row.count + QLatin1Char('\t') + row.share + QLatin1Char('\n');
-        }
-    }
-    text += QStringLiteral("groups: %1 of %2 values\n").arg(model.groups.groups.size()).arg(model.groups.total);
-    for (const charts::PieGroup &g : model.groups.groups)
-        text += g.label + QLatin1Char('\t') + QString::number(g.count) + QLatin1Char('\t')
-                + charts::ShareText(g.count, model.groups.total, locale) + QLatin1Char('\n');
-    writeUtf8(io.out, text.toUtf8());
+    if (jsonWanted(parser))
+        writeJson(io.out, QJsonDocument(jsonOf(model, locale)));
+    else
+        writeUtf8(io.out, textOf(model, locale).toUtf8());
+
 
     if (!png.isEmpty()) {
         const bool histogram = model.numeric && !parser.isSet(pieOption_);

@@ -6,7 +6,8 @@
 // element the groups of its values (at most 31, the rest under "Others") with counts and shares.
 // TAG is a name from the tags or F1, C1, K0. --search charts the records a select or find line
 // lists. --png draws the chart into a PNG picture: the histogram of a number field unless --pie
-// asks for the pie (a 3D pie; the pie is all an element without statistics has).
+// asks for the pie (a 3D pie; the pie is all an element without statistics has). --json prints the
+// same figures as one JSON document.
 
 #include "cli/DatabaseCommand.h"
 

@@ -10,6 +10,9 @@
 #include "print/Printer.h"
 
 #include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QtTest>
 #include <cmath>
 #include <map>
@@ -103,6 +106,20 @@ private Q_SLOTS:
         QCOMPARE(figure("sum"), sum);
         QCOMPARE(figure("lowest"), low);
         QCOMPARE(figure("highest"), high);
+
+        // The same as JSON: every value counted once in the ranges and once in the groups.
+        run = chart({QStringLiteral("balance"), QStringLiteral("--json")});
+        QCOMPARE(run.code, 0);
+        const QJsonObject o = QJsonDocument::fromJson(run.out.toUtf8()).object();
+        const QJsonObject stats = o.value(QLatin1String("statistics")).toObject();
+        QCOMPARE(stats.value(QLatin1String("sum")).toDouble(), sum);
+        int inRanges = 0, inGroups = 0;
+        for (const QJsonValue r : stats.value(QLatin1String("ranges")).toArray())
+            inRanges += r.toObject().value(QLatin1String("count")).toInt();
+        for (const QJsonValue g : o.value(QLatin1String("groups")).toArray())
+            inGroups += g.toObject().value(QLatin1String("count")).toInt();
+        QCOMPARE(inRanges, int(balances.size()));
+        QCOMPARE(inGroups, int(balances.size()));
 
         // Over the hits of a search only.
         run = chart({QStringLiteral("category"), QStringLiteral("--search"), QStringLiteral("select firstname where category=customer")});
