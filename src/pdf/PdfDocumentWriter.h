@@ -54,6 +54,8 @@ public:
     // A picture at (x, y) in twips at its natural size, 15 twips a pixel; at (0, 0) it fills the
     // page. A picture placed again (the same QImage, or a copy sharing its data) is stored once.
     Status PlaceBitmap(const QImage &picture, double x, double y);
+    // The pen and fill colours are taken as the callers have always set them; the boxes behind
+    // texts are part of the background picture, so only the text colour is drawn with.
     void setPenColor(const QColor &colour) { pen_ = colour; }
     void setFillColor(const QColor &colour) { fill_ = colour; }
     void setTextColor(const QColor &colour) { text_ = colour; }

@@ -55,7 +55,6 @@ public:
                                 Progress *progress = nullptr);
 
 private:
-    struct PageParts;
     Status writeRecordPages(PdfDocumentWriter &writer, const Page &page, int position,
                             const std::array<QImage, 5> &backgrounds, bool firstOfDocument);
     Status startDocument(PdfDocumentWriter &writer, const QString &path) const;
