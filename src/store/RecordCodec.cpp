@@ -294,9 +294,13 @@ QString RecordCodec::fieldDisplayText(const QByteArray &b, int i, double *date) 
         return {};
     QString text;
     switch (type) {
-    case 1:
-        text = hooks_->FormatFieldValue(design_, i, readDouble(b, at));
+    case 1: {
+        // NaN and the infinities are no number a user can type, so the packer never writes them:
+        // a damaged slot holding one shows as 0, which is also what saving it writes.
+        const double value = readDouble(b, at);
+        text = hooks_->FormatFieldValue(design_, i, std::isfinite(value) ? value : 0.0);
         break;
+    }
     case 2: case 3: case 4:
         text = hooks_->FormatFieldValue(design_, i, fromCurrency(readInt64(b, at)));
         break;
@@ -397,7 +401,10 @@ void RecordCodec::unpackFlow(const QByteArray &b, Page &page) const
         l.left = readInt32(b, p + 5);
         l.top = readInt32(b, p + 9);
         p += 12;
-        page.FlowLabels.push_back(l);
+        // A label of blanks shows nothing and is never stored: one that comes from another writer
+        // or from damage is passed over, as saving the record would drop it.
+        if (!l.text.trimmed().isEmpty())
+            page.FlowLabels.push_back(l);
     }
     if (p + 4 > length)
         return;

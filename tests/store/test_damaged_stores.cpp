@@ -5,6 +5,8 @@
 // compared before and after.
 
 #include "store/Database.h"
+#include "store/RecordCodec.h"
+#include "store/RecordLayout.h"
 #include "support/StoreFixture.h"
 
 #include <QDir>
@@ -361,4 +363,67 @@ TEST_F(DamagedStore, AFileTheUserMayNotReadOrNotWrite)
         ASSERT_TRUE(QFile::setPermissions(data, QFile::ReadOwner | QFile::WriteOwner));
         EXPECT_EQ(readAll(data), file);
     }
+}
+
+// Bytes in a float slot that are no number (NaN, the infinities) come only from damage: the field
+// shows as 0 would, and saving the record writes 0. Showing and saving again changes nothing more.
+TEST(DamagedRecord, NoNumberInAFloatSlotShowsAsZero)
+{
+    const Design design = fullDesign(); // field 2 is a float at position 11; zeros show empty
+    const RecordLayout layout = ComputeRecordLayout(design);
+    FormulaHooks hooks;
+    const RecordCodec codec(design, layout, hooks, QLatin1Char('.'));
+    const uint64_t patterns[] = {0x7FF8000000000000u, 0xFFF8000000000001u, 0x7FF0000000000000u, 0xFFF0000000000000u};
+    for (const uint64_t bits : patterns) {
+        SCOPED_TRACE(bits);
+        Page written(design);
+        written.FieldText[1] = QStringLiteral("kept");
+        written.FieldText[3] = QStringLiteral("12.5");
+        const Result<QByteArray> base = codec.pack(written);
+        ASSERT_TRUE(base);
+        QByteArray stored = *base;
+        for (int k = 0; k < 8; ++k)
+            stored[10 + k] = char((bits >> (8 * k)) & 0xFF);
+        Page page(design);
+        codec.unpack(stored, page, 2, false);
+        EXPECT_EQ(page.FieldText[2], QString());
+        const Result<QByteArray> packed = codec.pack(page);
+        ASSERT_TRUE(packed);
+        EXPECT_EQ(packed->mid(10, 8), QByteArray(8, '\0'));
+        EXPECT_EQ(packed->left(10), stored.left(10)) << "the rest of the record is kept";
+        EXPECT_EQ(packed->mid(18), stored.mid(18));
+    }
+}
+
+// A flow label of blanks never comes from a save, which drops it: read from another writer's or a
+// damaged record it is passed over, and the labels and images after it are read as stored.
+TEST(DamagedRecord, AFlowLabelOfBlanksIsPassedOver)
+{
+    const Design design = fullDesign(true); // the flow area at position 155
+    const RecordLayout layout = ComputeRecordLayout(design);
+    FormulaHooks hooks;
+    const RecordCodec codec(design, layout, hooks, QLatin1Char('.'));
+    // The area as the format lays it out: count, then page, style, size, alignment, length, text,
+    // colour, left, top; then the image count and one image of page, box, number and link.
+    const auto int32 = [](int32_t v) {
+        QByteArray b(4, '\0');
+        for (int k = 0; k < 4; ++k)
+            b[k] = char((uint32_t(v) >> (8 * k)) & 0xFF);
+        return b;
+    };
+    const auto label = [&](const QByteArray &text) {
+        return QByteArray("\x01\x0b\x0c\x00", 4) + int32(int32_t(text.size())) + text + int32(255) + int32(10) + int32(20);
+    };
+    const QByteArray area = int32(3) + label(" \t ") + label("kept") + label("") + int32(1) + QByteArray(1, '\x02') +
+                            int32(1) + int32(2) + int32(3) + int32(4) + int32(7) + int32(9);
+    QByteArray stored = codec.blankRecord();
+    stored.replace(154, area.size(), area);
+    Page page(design);
+    codec.unpack(stored, page, 2, false);
+    ASSERT_EQ(page.FlowLabels.size(), 1);
+    EXPECT_EQ(page.FlowLabels[0].text, QStringLiteral("kept"));
+    EXPECT_EQ(page.FlowLabels[0].style, 11);
+    ASSERT_EQ(page.FlowImages.size(), 1);
+    EXPECT_EQ(page.FlowImages[0].FlowImageId, 7);
+    EXPECT_EQ(page.FlowImages[0].FlowImageLink, 9);
 }
