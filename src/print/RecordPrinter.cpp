@@ -1,5 +1,7 @@
 #include "print/RecordPrinter.h"
 
+#include "design/RecordPictureFile.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <cmath>
@@ -148,8 +150,8 @@ void RecordPrinter::PrintRecordPages(Printer &printer, Page &page)
             double width = p.Width, height = p.Height;
             if (p.Stretch) {
                 const QString name = page.PictureRecordName.value(qsizetype(i)).trimmed();
-                if (!name.isEmpty() && !recordPictureFolder_.isEmpty() && QFileInfo(name).fileName() == name)
-                    picture.load(recordPictureFolder_ + name);
+                if (const QString file = RecordPictureFile(recordPictureFolder_, name); !file.isEmpty())
+                    picture.load(file);
             } else if (!p.FileName.isEmpty()) {
                 picture = designPicture(QDir(pictureFolder_).filePath(p.FileName));
                 if (!picture.isNull()) { // the box takes the picture's own size, as on screen

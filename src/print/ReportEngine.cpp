@@ -1,5 +1,7 @@
 #include "print/ReportEngine.h"
 
+#include "design/RecordPictureFile.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -214,8 +216,8 @@ QImage ReportEngine::pictureOf(const ReportPicture &picture, const Page &page) c
     QImage image;
     if (p.Stretch) {
         const QString name = page.PictureRecordName.value(i).trimmed();
-        if (!name.isEmpty() && !recordPictureFolder_.isEmpty() && QFileInfo(name).fileName() == name)
-            image.load(recordPictureFolder_ + name);
+        if (const QString file = RecordPictureFile(recordPictureFolder_, name); !file.isEmpty())
+            image.load(file);
     } else if (!p.FileName.isEmpty()) {
         image.load(QDir(pictureFolder_).filePath(p.FileName));
     }

@@ -1,5 +1,7 @@
 #include "web/RecordPageWriter.h"
 
+#include "design/RecordPictureFile.h"
+
 #include "export/ExportKinds.h"
 #include "formula/SubstituteTags.h"
 #include "web/HtmlText.h"
@@ -254,8 +256,8 @@ void RecordPageWriter::writePictures(QString &out, int k, const Page &page)
         QString source;
         if (p.Stretch) {
             const QString name = qsizetype(i) < page.PictureRecordName.size() ? page.PictureRecordName[qsizetype(i)].trimmed() : QString();
-            if (!name.isEmpty() && IsPlainFileName(name) && !recordPictureFolder_.isEmpty())
-                source = recordPictureFolder_ + name;
+            if (IsPlainFileName(name))
+                source = RecordPictureFile(recordPictureFolder_, name);
         } else if (!p.FileName.isEmpty() && IsPlainFileName(p.FileName)) {
             source = QDir(pictureFolder_).filePath(p.FileName);
         }

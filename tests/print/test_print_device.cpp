@@ -265,3 +265,49 @@ int main(int argc, char **argv)
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
+
+TEST(RecordDrawing, ARecordPictureKeptByItsNumberPrintsFromItsFile)
+{
+    // The record keeps eight characters of a picture's name: a numbered picture is kept as its
+    // number ("0000001") while the file is "0000001.jpg"; another kind keeps its extension.
+    QTemporaryDir dir;
+    QImage red(16, 16, QImage::Format_RGB32);
+    red.fill(QColor(255, 0, 0));
+    ASSERT_TRUE(red.save(dir.filePath(QStringLiteral("0000001.jpg")), "JPEG", 95));
+    QImage blue(16, 16, QImage::Format_RGB32);
+    blue.fill(QColor(0, 0, 255));
+    ASSERT_TRUE(blue.save(dir.filePath(QStringLiteral("0002.png"))));
+
+    Design design;
+    design.PageCount = 1;
+    design.Fields.resize(1);
+    design.Notes.resize(1);
+    design.Combos.resize(1);
+    design.Titles.resize(6);
+    PictureElement field;
+    field.Stretch = true;
+    field.PicturePrint = 1;
+    field.Left = 0;
+    field.Top = 0;
+    field.Width = 720;
+    field.Height = 720;
+    PictureElement second = field;
+    second.Left = 1440;
+    design.Pictures = {field, second};
+    design.PictureCount = 1;
+    Page page(design);
+    page.PictureRecordName[0] = QStringLiteral("0000001");
+    page.PictureRecordName[1] = QStringLiteral("0002.png");
+    RecordPrinter drawing(design, QString());
+    drawing.setRecordPictureFolder(dir.path() + QLatin1Char('/'));
+    ImageTarget target(QSizeF(2880, 1440), 96);
+    Printer printer(target);
+    drawing.PrintRecordPages(printer, page);
+    ASSERT_TRUE(printer.EndDoc().ok());
+    ASSERT_GE(target.pages().size(), 1u);
+    const QImage &sheet = target.pages()[0];
+    const QColor first(sheet.pixel(24, 24)), other(sheet.pixel(96 + 24, 24)); // the boxes' middles
+    EXPECT_GT(first.red(), 200) << "the JPEG of picture 0000001";
+    EXPECT_LT(first.blue(), 60);
+    EXPECT_GT(other.blue(), 200) << "0002.png as kept";
+}

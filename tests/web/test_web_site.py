@@ -94,6 +94,12 @@ def main():
         done = run(cli, "records", image, "set", str(hostile), "firstname=<script>alert(1)</script>",
                    'company="Q" & Co', "lastname=a>b", "P1=../outside.gif")
         check(done.returncode == 0, "the hostile record is stored: %s" % done.stderr)
+        # A picture kept by its number alone, as the picture library and the import keep them:
+        # the record holds "0000009", the file is 0000009.gif.
+        pics = next(app.glob("*Pics"))
+        shutil.copyfile(example / "photos" / "am.gif", pics / "0000009.gif")
+        done = run(cli, "records", image, "set", "2", "P1=0000009")
+        check(done.returncode == 0, "record 2 keeps picture 0000009: %s" % done.stderr)
         before_app = files_under(app)
 
         # Kind 1: a folder of record pages.
@@ -114,6 +120,10 @@ def main():
         check("&quot;Q&quot; &amp; Co" in page, "quotes and & in a value are escaped")
         check("<script>" not in page.lower(), "no script element comes from a value")
         check("../outside" not in page, "the bad picture name writes no img")
+        second_page = (pages / "2.htm").read_bytes().decode("cp1252")
+        shown = re.findall(r'<img src="(Pictures/[^"]+\.gif)"', second_page)
+        check(any((pages / name).read_bytes() == (example / "photos" / "am.gif").read_bytes() for name in shown),
+              "the picture kept as 0000009 is found as 0000009.gif and shown: %s" % shown)
         first = (pages / "1.htm").read_bytes().decode("cp1252")
         check('href="1.htm"><b>&lt;</b>' in first, "record 1's back link goes to 1.htm")
         last = (pages / ("%d.htm" % hostile)).read_bytes().decode("cp1252")
