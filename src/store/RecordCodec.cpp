@@ -5,6 +5,7 @@
 #include <QLocale>
 
 #include <cmath>
+#include <limits>
 #include <cstring>
 #include <tuple>
 
@@ -133,9 +134,18 @@ Status RecordCodec::packField(QByteArray &b, size_t i, const Page &page) const
     const int type = design_.Fields[i].FieldType;
     const QString text = i < size_t(page.FieldText.size()) ? page.FieldText[i] : QString();
     switch (type) {
-    case 1:
-        writeDouble(b, at, hooks_->NumberValue(text, decimalSeparator_));
+    case 1: {
+        // The largest doubles show with 15 digits, rounded past the range of a double: such a text
+        // reads as an infinity and is kept as the largest double of its sign, so that a record
+        // saves as it shows. Nothing that is not a number is ever written.
+        double value = hooks_->NumberValue(text, decimalSeparator_);
+        if (std::isinf(value))
+            value = std::copysign(std::numeric_limits<double>::max(), value);
+        else if (std::isnan(value))
+            value = 0;
+        writeDouble(b, at, value);
         break;
+    }
     case 2: case 3: case 4: {
         Result<int64_t> c = toCurrency(hooks_->NumberValue(text, decimalSeparator_));
         if (!c)

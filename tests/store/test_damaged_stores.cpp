@@ -4,6 +4,7 @@
 // cannot see it from the records, and writes nothing the user did not ask for: the files' bytes are
 // compared before and after.
 
+#include "entry/EngineFormulaHooks.h"
 #include "store/Database.h"
 #include "store/RecordCodec.h"
 #include "store/RecordLayout.h"
@@ -14,6 +15,8 @@
 #include <QFileInfo>
 
 #include <gtest/gtest.h>
+
+#include <limits>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -426,4 +429,29 @@ TEST(DamagedRecord, AFlowLabelOfBlanksIsPassedOver)
     ASSERT_EQ(page.FlowImages.size(), 1);
     EXPECT_EQ(page.FlowImages[0].FlowImageId, 7);
     EXPECT_EQ(page.FlowImages[0].FlowImageLink, 9);
+}
+
+// The largest floats show with 15 digits, rounded past the range of a double. Saving such a record
+// keeps the largest double of its sign, so that it shows as before, never an infinity.
+TEST(DamagedRecord, TheLargestFloatsSaveAsTheyShow)
+{
+    const Design design = fullDesign();
+    const RecordLayout layout = ComputeRecordLayout(design);
+    FormulaContext context;
+    context.locale = QLocale(QLocale::English, QLocale::UnitedStates);
+    EngineFormulaHooks hooks(context);
+    const RecordCodec codec(design, layout, hooks, QLatin1Char('.'));
+    const double max = std::numeric_limits<double>::max();
+    for (const double value : {max, -max, 1.7976931348623e308}) {
+        SCOPED_TRACE(value);
+        Page page(design);
+        page.FieldText[2] = hooks.FormatFieldValue(design, 2, value);
+        const Result<QByteArray> packed = codec.pack(page);
+        ASSERT_TRUE(packed);
+        const double stored = RecordCodec::readDouble(*packed, 11);
+        EXPECT_TRUE(std::isfinite(stored));
+        Page shown(design);
+        codec.unpack(*packed, shown, 2, false);
+        EXPECT_EQ(shown.FieldText[2], page.FieldText[2]);
+    }
 }
