@@ -17,7 +17,8 @@ GROUP BY:
   name (text, ~900 values)        GROUP BY upper(name)
 
 Each command runs once to warm the caches, then K times; the table shows the median wall time of
-the whole process and the ratio. The counts and sums of both sides are compared. Peak memory (max
+the whole process, the ratio, and the median processor time (user + system) of K more runs, which
+a busy machine changes less than the wall time. The counts and sums of both sides are compared. Peak memory (max
 RSS) of the chart of price is measured at M records (100,000 by default) and at N.
 """
 import argparse
@@ -48,6 +49,19 @@ def make_data(args, builder, cli, records):
         run.sqlite_load(db, csv)
         print("generated %d records in %.1f s" % (records, time.perf_counter() - t))
     return image, data, db
+
+
+def cpu_seconds(cmd, repeat):
+    """The median processor time (user + system) of `repeat` runs: what the machine's load does not
+    change as it changes the wall time."""
+    import resource
+    times = []
+    for _ in range(repeat):
+        before = resource.getrusage(resource.RUSAGE_CHILDREN)
+        timed(cmd)
+        after = resource.getrusage(resource.RUSAGE_CHILDREN)
+        times.append(after.ru_utime - before.ru_utime + after.ru_stime - before.ru_stime)
+    return sorted(times)[len(times) // 2]
 
 
 def figure(pattern, text):
@@ -101,18 +115,21 @@ def main():
     ]
     print("records %d, repeat %d (median), load average %.2f, %d cores, %s" % (
         args.records, args.repeat, os.getloadavg()[0], os.cpu_count(), time.strftime("%Y-%m-%d %H:%M")))
-    print("%-16s %10s %10s %9s   %s" % ("case", "chart s", "sqlite s", "ratio", "check (flatform / sqlite)"))
+    print("%-16s %10s %10s %9s %11s %11s   %s" % ("case", "chart s", "sqlite s", "ratio", "chart cpu s", "sqlite cpu",
+                                                "check (flatform / sqlite)"))
     outputs = {}
     for name, ff, sqlite in cases:
         ff_time = median_time(ff, args.repeat)
+        ff_cpu = cpu_seconds(ff, args.repeat)
         out = timed(ff)[1].decode("utf-8", "replace")
         outputs[name] = out
         if sqlite is None:
             same = out == outputs["price"]
-            print("%-16s %10.3f %10s %9s   output %s the plain store's" % (
-                name, ff_time, "-", "-", "equals" if same else "DIFFERS FROM"))
+            print("%-16s %10.3f %10s %9s %11.3f %11s   output %s the plain store's" % (
+                name, ff_time, "-", "-", ff_cpu, "-", "equals" if same else "DIFFERS FROM"))
             continue
         sq_time = median_time(sqlite, args.repeat)
+        sq_cpu = cpu_seconds(sqlite, args.repeat)
         sq_out = timed(sqlite)[1].decode()
         first = sq_out.splitlines()[0].split("|")
         check = ""
@@ -123,7 +140,8 @@ def main():
         check += " groups %s of %s, top %s/%s" % (groups_line.group(1), groups_line.group(2),
                                                   out.split("groups:")[1].splitlines()[1].split("\t")[1],
                                                   sq_out.splitlines()[1 if len(first) > 2 else 0].split("|")[1])
-        print("%-16s %10.3f %10.3f %8.1fx   %s" % (name, ff_time, sq_time, sq_time / ff_time, check))
+        print("%-16s %10.3f %10.3f %8.1fx %11.3f %11.3f   %s" % (name, ff_time, sq_time, sq_time / ff_time, ff_cpu, sq_cpu,
+                                                            check))
 
     small_image, small_data, _ = make_data(args, builder, cli, args.memory_records)
     print("peak memory (max RSS, KB), chart of price: %d records %d, %d records %d; chart of name: %d records %d, %d records %d" % (
