@@ -256,6 +256,15 @@ Status RecordStore::UnlockRecord()
     return s;
 }
 
+int32_t RecordStore::NextPictureNumber() const
+{
+    QFile first(file_.partName(0));
+    if (file_.RecordLength() < 14 || !first.open(QIODevice::ReadOnly) || !first.seek(9))
+        return nextPictureNumber_;
+    const QByteArray number = first.read(4);
+    return number.size() == 4 ? RecordCodec::readInt32(number, 1) : nextPictureNumber_;
+}
+
 Status RecordStore::LockRecord()
 {
     recordDirty_ = true;

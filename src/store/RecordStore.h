@@ -75,7 +75,10 @@ public:
     bool RecordLocked() const { return recordLocked_; }
     bool ReadOnlyMode() const { return readOnlyMode_; } // the data file is read-only, or the user may only read
     bool ViewOnlyMode() const { return viewOnlyMode_; } // the logged-in user may only read
-    int32_t NextPictureNumber() const { return nextPictureNumber_; }
+    // The counter in the first file's header, read where it lives: another user or the picture
+    // library may have taken pictures since the file was opened. The value read at opening when
+    // the header cannot be read.
+    int32_t NextPictureNumber() const;
     double CreationDate() const { return creationDate_; }
     // With a trailing '/', empty when the design has no record pictures.
     const QString &RecordPictureFolder() const { return recordPictureFolder_; }

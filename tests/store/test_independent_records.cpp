@@ -131,3 +131,23 @@ TEST(IndependentWriter, ReadsWhatThisStoreWrote)
         }
     }
 }
+
+TEST(IndependentWriter, ThePictureCounterIsReadWhereItLives)
+{
+    // Another program (or the picture library of another user) raises the counter in the first
+    // file's header, position 10, little-endian: a store opened before sees the new number.
+    QTemporaryDir dir;
+    const QString data = dir.filePath(QStringLiteral("Counter.dat"));
+    StoreUser u{fullDesign()};
+    ASSERT_TRUE(u.store.openFileSet(data, OpenMode::Create, QStringLiteral("Counter")));
+    ASSERT_TRUE(u.store.NewRecord());
+    ASSERT_TRUE(u.store.SaveIfDirty());
+    EXPECT_EQ(u.store.NextPictureNumber(), 0);
+    {
+        QFile other(data);
+        ASSERT_TRUE(other.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(other.seek(9));
+        ASSERT_EQ(other.write(QByteArray::fromHex("2a010000")), 4); // 298
+    }
+    EXPECT_EQ(u.store.NextPictureNumber(), 298);
+}
