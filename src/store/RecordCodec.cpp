@@ -245,8 +245,11 @@ void RecordCodec::packFlow(QByteArray &b, const Page &page) const
         if (l.text.trimmed().isEmpty())
             continue;
         const QByteArray text = codePage_.encode(l.text);
-        // Room is kept for the image count that follows the labels.
-        if (p + 20 + text.size() + 4 > length)
+        // A label is written when it fits. Room for the image count is kept while there are
+        // images to write; a label that fills the area to its end, as other copies of the program
+        // write one, is read back without images, and so must be saved again.
+        const int countRoom = page.FlowImages.isEmpty() ? 0 : 4;
+        if (p + 20 + text.size() + countRoom > length)
             break;
         b[p] = static_cast<char>(l.page);
         b[p + 1] = static_cast<char>(l.style);
@@ -262,6 +265,8 @@ void RecordCodec::packFlow(QByteArray &b, const Page &page) const
         ++labels;
     }
     writeInt32(b, countAt, labels);
+    if (p + 4 > length)
+        return; // no room for the image count: read back as no images
     const int imageCountAt = p + 1;
     p += 4;
     int32_t images = 0;

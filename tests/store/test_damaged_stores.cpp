@@ -455,3 +455,30 @@ TEST(DamagedRecord, TheLargestFloatsSaveAsTheyShow)
         EXPECT_EQ(shown.FieldText[2], page.FieldText[2]);
     }
 }
+
+// A label that fills the flow area to its very end, with no room for an image count after it, is
+// read (with no images) and saved again as it was read.
+TEST(DamagedRecord, ALabelThatFillsTheFlowAreaIsKept)
+{
+    const Design design = fullDesign(true); // the flow area from position 155 to the slot's end, 10155
+    const RecordLayout layout = ComputeRecordLayout(design);
+    FormulaHooks hooks;
+    const RecordCodec codec(design, layout, hooks, QLatin1Char('.'));
+    const int textLength = 10155 - (154 + 4) - 20;
+    QByteArray stored = codec.blankRecord();
+    RecordCodec::writeInt32(stored, 155, 1);
+    stored.replace(158, 4, QByteArray("\x00\x01\x08\x00", 4));
+    RecordCodec::writeInt32(stored, 163, textLength);
+    stored.replace(166, textLength, QByteArray(textLength, 'w'));
+    Page page(design);
+    codec.unpack(stored, page, 2, false);
+    ASSERT_EQ(page.FlowLabels.size(), 1);
+    EXPECT_TRUE(page.FlowImages.isEmpty());
+    const Result<QByteArray> packed = codec.pack(page);
+    ASSERT_TRUE(packed);
+    EXPECT_EQ(packed->mid(154), stored.mid(154));
+    Page again(design);
+    codec.unpack(*packed, again, 2, false);
+    ASSERT_EQ(again.FlowLabels.size(), 1);
+    EXPECT_EQ(again.FlowLabels[0].text.size(), textLength);
+}
