@@ -237,6 +237,28 @@ private Q_SLOTS:
         window->close();
     }
 
+    void hundredWindowsAtMost()
+    {
+        auto main = testsupport::openActive(image_);
+        const int category = comboIndex(main->design().Combos, "category");
+        std::vector<gui::ChartWindow *> windows;
+        for (int k = 0; k < gui::ChartActions::kMaxWindows; ++k)
+            windows.push_back(main->charts().open(charts::ChartKind::Combo, category));
+        QVERIFY(std::all_of(windows.begin(), windows.end(), [](gui::ChartWindow *w) { return w != nullptr; }));
+        // Each slot 100 twips on from the first.
+        QCOMPARE(windows[99]->pos() - windows[0]->pos(), QPoint(99 * (100 / 15), 99 * (100 / 15)));
+        testsupport::MessageCatcher catcher;
+        QVERIFY(!main->charts().open(charts::ChartKind::Combo, category));
+        QTRY_COMPARE(catcher.texts.size(), 1);
+        // A closed window's slot is taken by the next chart, at that slot's place.
+        const QPoint place = windows[41]->pos();
+        windows[41]->close();
+        QTRY_COMPARE(main->charts().openWindows(), gui::ChartActions::kMaxWindows - 1);
+        gui::ChartWindow *again = main->charts().open(charts::ChartKind::Combo, category);
+        QVERIFY(again);
+        QCOMPARE(again->pos(), place);
+    }
+
 private:
     // With FLATFORM_CHART_SHOTS set, the window as it stands goes into that folder.
     static void saveShot(QWidget *window, const QString &name)
