@@ -128,9 +128,9 @@ bool samePage(const ff::Page &a, const ff::Page &b)
            sameLabels(a.FlowLabels, b.FlowLabels) && sameImages(a.FlowImages, b.FlowImages);
 }
 
-// Whether an amount or a date of the plain record lies at the very end of the 64-bit range, beyond
-// any value that can be typed: such a record is refused by the packer (Overflow, nothing written)
-// rather than saved with another value.
+// Whether an amount, a date or the stamp of the plain record lies at the very end of the 64-bit
+// range, beyond any value that can be typed: such a record is refused by the packer (Overflow,
+// nothing written) rather than saved with another value. A cleared record gets a new stamp.
 bool amountAtTheLimit(const Subject &s, const QByteArray &plain)
 {
     for (size_t i = 1; i < s.design.Fields.size(); ++i) {
@@ -141,7 +141,10 @@ bool amountAtTheLimit(const Subject &s, const QByteArray &plain)
         if (raw >= 9.2233e18 || raw <= -9.2233e18)
             return true;
     }
-    return false;
+    if (s.layout.StampOffset == 0)
+        return false;
+    const double stamp = static_cast<double>(ff::RecordCodec::readInt64(plain, s.layout.StampOffset));
+    return stamp >= 9.2233e18 || stamp <= -9.2233e18;
 }
 
 [[noreturn]] void fail(const char *what, const ff::Page &first, const ff::Page &second)
@@ -196,6 +199,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     ff::Result<QByteArray> packed = s.codec->pack(first);
     if (!packed && packed.error().code == ff::ErrorCode::Overflow && amountAtTheLimit(s, s.codec->plain(stored)))
         return 0;
+    if (!packed) {
+        const QByteArray plain = s.codec->plain(stored);
+        for (size_t i = 1; i < s.design.Fields.size(); ++i) {
+            const int type = s.design.Fields[i].FieldType;
+            if (s.layout.FieldOffset[i] != 0 && type >= 1 && type <= 9)
+                std::fprintf(stderr, "  field %zu, type %d: %lld shown \"%s\"\n", i, type,
+                             static_cast<long long>(ff::RecordCodec::readInt64(plain, s.layout.FieldOffset[i])),
+                             qPrintable(first.FieldText[qsizetype(i)]));
+        }
+    }
     if (!packed)
         fail(qPrintable(QStringLiteral("a record that was shown cannot be packed: ") + packed.error().text), first, first);
     if (packed->size() != length)

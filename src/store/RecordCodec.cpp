@@ -246,8 +246,8 @@ void RecordCodec::packFlow(QByteArray &b, const Page &page) const
             continue;
         const QByteArray text = codePage_.encode(l.text);
         // A label is written when it fits. Room for the image count is kept while there are
-        // images to write; a label that fills the area to its end, as other copies of the program
-        // write one, is read back without images, and so must be saved again.
+        // images to write: a label that fills the area to its end (written so by another writer)
+        // is read back with no images, and is saved again as it was read.
         const int countRoom = page.FlowImages.isEmpty() ? 0 : 4;
         if (p + 20 + text.size() + countRoom > length)
             break;

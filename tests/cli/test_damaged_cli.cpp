@@ -4,10 +4,9 @@
 // system's reason.
 
 #include "cli/CliRunner.h"
-#include "store/RecordFile.h"
+#include "support/StoreFixture.h"
 
 #include <QDir>
-#include <QFileInfo>
 
 #include <functional>
 
@@ -134,7 +133,7 @@ TEST_F(DamagedCli, DamagedFilesThatStillOpen)
 // stderr names the missing part, and the later part is never touched.
 TEST_F(DamagedCli, AMissingPart)
 {
-    ff::RecordFile::SetRecordsPerPartForTesting(4);
+    SmallParts parts(4);
     writeAll(data, good.left(3 * length - 1)); // records 1 and 2
     const QString later = dir.filePath(QStringLiteral("people0002"));
     writeAll(later, good);
@@ -144,7 +143,6 @@ TEST_F(DamagedCli, AMissingPart)
     EXPECT_TRUE(count.err.contains(QStringLiteral("The record file %1 is missing").arg(dir.filePath(QStringLiteral("people0001")))))
         << count.err.toStdString();
     EXPECT_EQ(records({QStringLiteral("new")}).out, QStringLiteral("3\n"));
-    ff::RecordFile::SetRecordsPerPartForTesting(0);
     EXPECT_EQ(fileBytes(later), good);
     EXPECT_EQ(fileBytes(data).size(), 4 * length - 1);
 }
