@@ -245,6 +245,13 @@ void ImportRecordMaker::fillBytes(const ImportRows &rows, int row, const QString
                                   QStringList &warnings)
 {
     QByteArray scratch(8, '\0');
+    if (formulas_) {
+        rowNumbers_.resize(design_.Fields.size());
+        for (RowNumber &n : rowNumbers_)
+            n.read = false;
+        numbersRows_ = &rows;
+        numbersRow_ = row;
+    }
     for (size_t i = 1; i < design_.Fields.size(); ++i) {
         const int column = columns_.field[i];
         const int at = layout_.FieldOffset[i];
@@ -258,7 +265,15 @@ void ImportRecordMaker::fillBytes(const ImportRows &rows, int row, const QString
             RecordCodec::writeInt64(scratch, 1, static_cast<int64_t>(std::nearbyint(day * 10000.0)));
             std::memcpy(plain + at - 1, scratch.constData(), 8);
         } else if (isNumberType(type)) {
-            double v = NumberFromBytes(value, decimalSeparator_, codePage_);
+            double v;
+            if (formulas_) {
+                // The formulas may name the field: its cleaned text is kept for them.
+                RowNumber &kept = rowNumbers_[i];
+                kept.value = v = NumberFromBytes(value, decimalSeparator_, codePage_, &kept.cleaned);
+                kept.read = true;
+            } else {
+                v = NumberFromBytes(value, decimalSeparator_, codePage_);
+            }
             if (!numberFits(type, v)) {
                 warnings << QStringLiteral("%1 does not fit field %2").arg(codePage_.decode(value.data(), qsizetype(value.size())), design_.Fields[i].Tag);
                 v = 0;
@@ -336,9 +351,11 @@ QString ImportRecordMaker::fieldText(int n) const
         return day == 0 ? QString() : dateText(n, type, day);
     }
     if (isNumberType(type)) {
-        std::string cleaned;
+        std::string own;
         const std::string_view value = rows_->value(row_, column);
-        const double v = NumberFromBytes(value, decimalSeparator_, codePage_, &cleaned);
+        const bool kept = numbersRows_ == rows_ && numbersRow_ == row_ && size_t(n) < rowNumbers_.size() && rowNumbers_[size_t(n)].read;
+        const double v = kept ? rowNumbers_[size_t(n)].value : NumberFromBytes(value, decimalSeparator_, codePage_, &own);
+        const std::string &cleaned = kept ? rowNumbers_[size_t(n)].cleaned : own;
         if (!numberFits(type, v))
             return QStringLiteral("0"); // fillBytes has told it
         if (decimalSeparator_.unicode() < 128 && !cleaned.empty() && !(type == 1 && significantDigits(value) > 15)) {

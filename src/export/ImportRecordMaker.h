@@ -107,6 +107,16 @@ private:
         QString text;
     };
     mutable std::vector<DateTextSlot> dateTextSlots_; // shown texts of the days
+    // The row's number fields as fillBytes read them (value and cleaned text), for the formulas
+    // that name them: by field index, valid while `numbersRow_` is the row being made.
+    struct RowNumber {
+        double value = 0;
+        std::string cleaned;
+        bool read = false;
+    };
+    std::vector<RowNumber> rowNumbers_;
+    const ImportRows *numbersRows_ = nullptr;
+    int numbersRow_ = -1;
     QVector<QString> blankFieldText_, blankComboText_, blankNoteText_, blankPictureNames_;
     QVector<double> blankFieldDate_;
     QVector<bool> blankFieldLocked_;

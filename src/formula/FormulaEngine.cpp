@@ -72,7 +72,9 @@ void replaceName(QString &line, QStringView name, Qt::CaseSensitivity cs, MakeVa
 template <typename MakeValue>
 void replaceNumbered(QString &line, char letter, int highest, int lowest, MakeValue &&value)
 {
-    std::vector<std::pair<qsizetype, qsizetype>> runs; // where each run of digits starts, and its length
+    // Where each run of digits starts, and its length; kept between calls, as this runs three times
+    // for every formula line of every record of an import.
+    thread_local std::vector<std::pair<qsizetype, qsizetype>> runs;
     const auto findRuns = [&] {
         runs.clear();
         for (qsizetype at = line.indexOf(QLatin1Char(letter)); at >= 0; at = line.indexOf(QLatin1Char(letter), at + 1)) {

@@ -136,18 +136,79 @@ double Val(const QString &text)
     return valOfBytes(s, size);
 }
 
+namespace {
+
+bool digits15(double x, long long &digits, int &exponent);
+
+// What printf's "%.15G" writes, from the value's fifteen digits; -1 where those are left to the
+// text conversion.
+int general15(double value, char *out)
+{
+    long long digits = 0;
+    int e = 0;
+    if (!std::isfinite(value) || !digits15(std::fabs(value), digits, e))
+        return -1;
+    char d[15];
+    for (int k = 14; k >= 0; --k) {
+        d[k] = char('0' + digits % 10);
+        digits /= 10;
+    }
+    int used = 15; // significant digits without the trailing zeros
+    while (used > 1 && d[used - 1] == '0')
+        --used;
+    char *p = out;
+    if (value < 0)
+        *p++ = '-';
+    if (e < -4 || e >= 15) {
+        *p++ = d[0];
+        if (used > 1) {
+            *p++ = '.';
+            for (int k = 1; k < used; ++k)
+                *p++ = d[k];
+        }
+        *p++ = 'E';
+        *p++ = e < 0 ? '-' : '+';
+        const int size = std::abs(e);
+        if (size < 10)
+            *p++ = '0';
+        p = std::to_chars(p, p + 4, size).ptr;
+    } else if (e >= 0) {
+        for (int k = 0; k <= e; ++k)
+            *p++ = k < used ? d[k] : '0';
+        if (used > e + 1) {
+            *p++ = '.';
+            for (int k = e + 1; k < used; ++k)
+                *p++ = d[k];
+        }
+    } else {
+        *p++ = '0';
+        *p++ = '.';
+        for (int k = 0; k < -e - 1; ++k)
+            *p++ = '0';
+        for (int k = 0; k < used; ++k)
+            *p++ = d[k];
+    }
+    return int(p - out);
+}
+
+} // namespace
+
 QString NumberToText(double value, const QString &decimalSeparator)
 {
     if (value == 0.0)
         return QStringLiteral("0");
     char buffer[64];
-    // to_chars writes what printf's "%.15g" writes, in lower case.
-    char *end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, 15).ptr;
-    for (char *p = buffer; p != end; ++p) {
-        if (*p == 'e')
-            *p = 'E';
+    int size = general15(value, buffer);
+    if (size < 0) {
+        // to_chars writes what printf's "%.15g" writes, in lower case.
+        const char *end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, 15).ptr;
+        size = int(end - buffer);
+        for (int k = 0; k < size; ++k) {
+            if (buffer[k] == 'e')
+                buffer[k] = 'E';
+        }
     }
-    QString text = QString::fromLatin1(buffer, end - buffer);
+    QString text = QString::fromLatin1(buffer, size);
     if (decimalSeparator != QLatin1String("."))
         text.replace(QLatin1Char('.'), decimalSeparator);
     return text;

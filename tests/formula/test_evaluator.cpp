@@ -10,6 +10,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
+#include <vector>
 #include <initializer_list>
 
 using namespace ff;
@@ -194,4 +196,19 @@ TEST(NumberText, DefaultConversionGivesFifteenDigits)
     for (const auto &row : rows)
         EXPECT_EQ(NumberToText(row.value), QLatin1String(row.text)) << row.text;
     EXPECT_EQ(NumberToText(2.5, ","), "2,5");
+    // Every size and sign, the switch to the exponent at both ends and values that round up to
+    // one more digit: as printf's "%.15G" writes them.
+    std::vector<double> values = {9.999999999999995, 999999999999999.5, 1e15, 1e14, 0.0001, 0.00009999999999999999,
+                                  123456.7890123456, 5e-324, 1.7976931348623157e308};
+    uint64_t state = 99;
+    for (int k = 0; k < 20000; ++k) {
+        state = state * 6364136223846793005ull + 1442695040888963407ull;
+        const double mantissa = double(state >> 11) / double(1ull << 53);
+        values.push_back((state & 1 ? -1 : 1) * mantissa * std::pow(10.0, int((state >> 3) % 41) - 20));
+    }
+    for (const double value : values) {
+        char expected[64];
+        std::snprintf(expected, sizeof expected, "%.15G", value);
+        ASSERT_EQ(NumberToText(value), QLatin1String(expected)) << expected;
+    }
 }
