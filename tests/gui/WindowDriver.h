@@ -31,6 +31,36 @@ inline std::unique_ptr<gui::MainWindow> openActive(const QString &image, const Q
     return w;
 }
 
+// The example `name` built in `folder`, filled with its sample records and open in a window on the
+// screen with record 1: what a test compares a printed, exported or browsed record with. `error`
+// says what went wrong when the window is missing.
+struct SampleWindow {
+    QString imagePath;
+    std::unique_ptr<gui::MainWindow> window;
+    QString error;
+};
+
+inline SampleWindow openSampleWindow(const QString &name, const QString &folder)
+{
+    SampleWindow s;
+    s.imagePath = buildExample(name, folder).path;
+    s.error = loadSamples(name, s.imagePath);
+    if (!s.error.isEmpty())
+        return s;
+    DesignLoad load = loadImage(s.imagePath);
+    if (!load.complete()) {
+        s.error = QStringLiteral("the design of %1 did not load").arg(s.imagePath);
+        return s;
+    }
+    s.window = std::make_unique<gui::MainWindow>(ParseCommandLine(s.imagePath, {}), std::move(load));
+    s.window->show();
+    if (!QTest::qWaitForWindowExposed(s.window.get())) {
+        s.error = QStringLiteral("the window did not come up");
+        s.window.reset();
+    }
+    return s;
+}
+
 inline QLineEdit *field(gui::MainWindow &w, int i) { return qobject_cast<QLineEdit *>(w.canvas()->fieldWidget(i)); }
 
 // Activates `window` as a person would by clicking it and returns the widget that then has the

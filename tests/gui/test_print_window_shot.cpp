@@ -5,6 +5,7 @@
 
 #include "gui/MainWindow.h"
 #include "gui/PageCanvas.h"
+#include "WindowDriver.h"
 #include "print/PdfTarget.h"
 #include "print/RecordPrinter.h"
 #include "store/Database.h"
@@ -28,14 +29,9 @@ private Q_SLOTS:
         if (pdftoppm.isEmpty())
             QSKIP("pdftoppm is not installed: the printed sheet cannot be looked at");
         QTemporaryDir dir;
-        const auto built = testsupport::buildExample(QStringLiteral("invoice"), dir.path());
-        const QString loaded = testsupport::loadSamples(QStringLiteral("invoice"), built.path);
-        QVERIFY2(loaded.isEmpty(), qPrintable(loaded));
-        DesignLoad load = testsupport::loadImage(built.path);
-        QVERIFY(load.complete());
-        gui::MainWindow window(ParseCommandLine(built.path, {}), std::move(load));
-        window.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        testsupport::SampleWindow opened = testsupport::openSampleWindow(QStringLiteral("invoice"), dir.path());
+        QVERIFY2(opened.window, qPrintable(opened.error));
+        gui::MainWindow &window = *opened.window;
         const QImage grab = window.canvas()->grab().toImage();
 
         Database &db = window.database();

@@ -7,6 +7,7 @@
 #include "gui/MainWindow.h"
 #include "gui/MainWindowHost.h"
 #include "gui/PageCanvas.h"
+#include "gui/WindowDriver.h"
 #include "pdf/PdfRecordExport.h"
 #include "store/Database.h"
 #include "support/ExampleImage.h"
@@ -30,14 +31,9 @@ private Q_SLOTS:
         if (pdftoppm.isEmpty())
             QSKIP("pdftoppm is not installed: the PDF page cannot be looked at");
         QTemporaryDir dir;
-        const auto built = testsupport::buildExample(QStringLiteral("contacts"), dir.path());
-        const QString loaded = testsupport::loadSamples(QStringLiteral("contacts"), built.path);
-        QVERIFY2(loaded.isEmpty(), qPrintable(loaded));
-        DesignLoad load = testsupport::loadImage(built.path);
-        QVERIFY(load.complete());
-        gui::MainWindow window(ParseCommandLine(built.path, {}), std::move(load));
-        window.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        testsupport::SampleWindow opened = testsupport::openSampleWindow(QStringLiteral("contacts"), dir.path());
+        QVERIFY2(opened.window, qPrintable(opened.error));
+        gui::MainWindow &window = *opened.window;
         const QImage grab = window.canvas()->grab().toImage();
 
         Database &db = window.database();
@@ -82,13 +78,9 @@ private Q_SLOTS:
         QTemporaryDir dir;
         const QByteArray savedTemp = qgetenv("TMPDIR");
         qputenv("TMPDIR", QFile::encodeName(dir.path()));
-        const auto built = testsupport::buildExample(QStringLiteral("contacts"), dir.path());
-        QVERIFY(testsupport::loadSamples(QStringLiteral("contacts"), built.path).isEmpty());
-        DesignLoad load = testsupport::loadImage(built.path);
-        QVERIFY(load.complete());
-        gui::MainWindow window(ParseCommandLine(built.path, {}), std::move(load));
-        window.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        testsupport::SampleWindow opened = testsupport::openSampleWindow(QStringLiteral("contacts"), dir.path());
+        QVERIFY2(opened.window, qPrintable(opened.error));
+        gui::MainWindow &window = *opened.window;
         QVERIFY(window.database().store().JumpToRecord(2).ok());
         auto *mail = window.findChild<QAction *>(QStringLiteral("mailCommand"));
         QVERIFY(mail);

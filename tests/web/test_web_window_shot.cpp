@@ -5,6 +5,7 @@
 
 #include "gui/MainWindow.h"
 #include "gui/PageCanvas.h"
+#include "gui/WindowDriver.h"
 #include "store/Database.h"
 #include "support/ExampleImage.h"
 #include "support/PictureCompare.h"
@@ -27,14 +28,9 @@ private Q_SLOTS:
         if (chromium.isEmpty())
             QSKIP("chromium is not installed: the browser's picture of the page cannot be taken");
         QTemporaryDir dir;
-        const auto built = testsupport::buildExample(QStringLiteral("contacts"), dir.path());
-        const QString loaded = testsupport::loadSamples(QStringLiteral("contacts"), built.path);
-        QVERIFY2(loaded.isEmpty(), qPrintable(loaded));
-        DesignLoad load = testsupport::loadImage(built.path);
-        QVERIFY(load.complete());
-        gui::MainWindow window(ParseCommandLine(built.path, {}), std::move(load));
-        window.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        testsupport::SampleWindow opened = testsupport::openSampleWindow(QStringLiteral("contacts"), dir.path());
+        QVERIFY2(opened.window, qPrintable(opened.error));
+        gui::MainWindow &window = *opened.window;
         const QImage grab = window.canvas()->grab().toImage();
 
         RecordStore &store = window.database().store();
