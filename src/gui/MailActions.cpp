@@ -15,11 +15,35 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QMenu>
+#include <QPainter>
+#include <QPixmap>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QToolBar>
 
 namespace ff::gui {
+
+namespace {
+
+// The desktop's mail icon, or an envelope drawn here where the desktop has no icon theme: a tool
+// button without an icon shows its whole caption and pushes the last buttons off the bar.
+QIcon mailIcon()
+{
+    const QIcon themed = QIcon::fromTheme(QStringLiteral("mail-send"));
+    if (!themed.isNull())
+        return themed;
+    QPixmap envelope(32, 32);
+    envelope.fill(Qt::transparent);
+    QPainter p(&envelope);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(QPen(QColor(60, 60, 70), 2));
+    p.setBrush(QColor(250, 250, 245));
+    p.drawRect(QRectF(3, 8, 26, 17));
+    p.drawPolyline(QPolygonF({QPointF(3, 8), QPointF(16, 18), QPointF(29, 8)}));
+    return QIcon(envelope);
+}
+
+} // namespace
 
 MailActions::MailActions(MainWindow &main) : QObject(&main), main_(main) {}
 
@@ -27,7 +51,8 @@ void MailActions::addCommands(QMenu *menu, QToolBar *bar)
 {
     QAction *mail = menu->addAction(tr("&Mail this record..."), this, [this] { std::ignore = mailRecord(); });
     mail->setObjectName(QStringLiteral("mailCommand"));
-    mail->setIcon(QIcon::fromTheme(QStringLiteral("mail-send")));
+    mail->setIcon(mailIcon());
+    mail->setToolTip(tr("Mail this record"));
     if (!QStandardPaths::findExecutable(QStringLiteral("xdg-email")).isEmpty()) {
         QAction *compose = menu->addAction(tr("Mail with the desktop's &compose window..."), this,
                                            [this] { composeWithDesktop(); });

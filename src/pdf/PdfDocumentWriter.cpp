@@ -54,6 +54,10 @@ QString trueTypeFile(const QByteArray &family, bool bold, bool italic)
 } // namespace
 
 struct PdfDocumentWriter::State {
+    // One encoding for every font, owned here: PoDoFo hands back a font it already made for the
+    // same face without taking the encoding it was given. Declared first, so it outlives the
+    // document that uses it.
+    std::unique_ptr<PdfIdentityEncoding> identity = std::make_unique<PdfIdentityEncoding>(0, 0xffff, false);
     std::unique_ptr<PdfMemDocument> doc;
     std::unique_ptr<PdfPainter> painter;
     PdfPage *page = nullptr;
@@ -96,7 +100,7 @@ struct PdfDocumentWriter::State {
         if (file.isEmpty())
             throw PdfError(ePdfError_InvalidFontFile);
         const QByteArray fileName = QFile::encodeName(file);
-        PdfFont *f = doc->CreateFontSubset(family.constData(), style.bold, style.italic, false, new PdfIdentityEncoding(),
+        PdfFont *f = doc->CreateFontSubset(family.constData(), style.bold, style.italic, false, identity.get(),
                                            fileName.constData());
         if (!f)
             throw PdfError(ePdfError_InvalidFontFile);

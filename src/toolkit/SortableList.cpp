@@ -123,7 +123,12 @@ SortableList::SortableList(QWidget *parent) : QWidget(parent), view_(new QTableV
     updateColumnVisibility();
 }
 
-SortableList::~SortableList() = default;
+SortableList::~SortableList()
+{
+    // The view asks the model for its header while it is taken down, and the model reads this
+    // list: the view goes first, while the list is still whole.
+    delete view_;
+}
 
 void SortableList::AddArray(const QStringList &rows)
 {
