@@ -2,6 +2,9 @@
 # Configures and builds Flatform in build/ (incremental; ccache keeps rebuilds short).
 set -euo pipefail
 cd "$(dirname "$0")/.."
+# The cache is keyed by paths below the repository, so that a fresh clone in another folder hits it.
+export CCACHE_BASEDIR=${CCACHE_BASEDIR:-$(pwd)}
+export CCACHE_MAXSIZE=${CCACHE_MAXSIZE:-12G}
 BUILD_DIR=${BUILD_DIR:-build}
 JOBS=${JOBS:-$(nproc)}
 if [ ! -f "$BUILD_DIR/build.ninja" ]; then
