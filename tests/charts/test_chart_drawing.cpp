@@ -28,19 +28,6 @@ QColor colourAt(const QImage &image, QPointF centre, double radius, double perce
                                    int(std::lround(centre.y() - radius / 2 * std::sin(a)))));
 }
 
-QStringList sampleColumn(const QString &name)
-{
-    QFile f(testsupport::examplePath(QStringLiteral("contacts/records.tsv")));
-    if (!f.open(QIODevice::ReadOnly))
-        return {};
-    const QStringList lines = QString::fromUtf8(f.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    const int column = int(lines.first().split(QLatin1Char('\t')).indexOf(name));
-    QStringList values;
-    for (const QString &line : lines.mid(1))
-        values << line.split(QLatin1Char('\t')).value(column);
-    return values;
-}
-
 } // namespace
 
 class ChartDrawingTest : public QObject {
@@ -75,7 +62,7 @@ private Q_SLOTS:
 
         // Groups of a combo, largest first, against the sample file.
         std::map<QString, int> expected;
-        for (const QString &c : sampleColumn(QStringLiteral("category")))
+        for (const QString &c : testsupport::sampleColumn(QStringLiteral("contacts"), QStringLiteral("category")))
             ++expected[c];
         testsupport::CliRun run = chart({QStringLiteral("category")});
         QCOMPARE(run.code, 0);
@@ -88,7 +75,7 @@ private Q_SLOTS:
 
         // A number field: count, sum, lowest and highest of the balances.
         double sum = 0, low = 1e300, high = -1e300;
-        const QStringList balances = sampleColumn(QStringLiteral("balance"));
+        const QStringList balances = testsupport::sampleColumn(QStringLiteral("contacts"), QStringLiteral("balance"));
         for (const QString &b : balances) {
             sum += b.toDouble();
             low = std::min(low, b.toDouble());

@@ -30,20 +30,6 @@ using namespace ff;
 
 namespace {
 
-// The sample records' column `name`, read from the example's TSV file.
-QStringList sampleColumn(const QString &name)
-{
-    QFile f(testsupport::examplePath(QStringLiteral("contacts/records.tsv")));
-    if (!f.open(QIODevice::ReadOnly))
-        return {};
-    const QStringList lines = QString::fromUtf8(f.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    const int column = int(lines.first().split(QLatin1Char('\t')).indexOf(name));
-    QStringList values;
-    for (const QString &line : lines.mid(1))
-        values << line.split(QLatin1Char('\t')).value(column);
-    return values;
-}
-
 int elementIndex(const std::vector<FieldElement> &fields, const char *tag)
 {
     for (size_t i = 1; i < fields.size(); ++i)
@@ -108,7 +94,7 @@ private Q_SLOTS:
         gui::ChartWindow *pie = windows.first();
         QVERIFY(QTest::qWaitForWindowExposed(pie));
         std::map<QString, int> expected;
-        const QStringList categories = sampleColumn(QStringLiteral("category"));
+        const QStringList categories = testsupport::sampleColumn(QStringLiteral("contacts"), QStringLiteral("category"));
         for (const QString &c : categories)
             ++expected[c];
         QTreeWidget *list = pie->list();
@@ -168,7 +154,7 @@ private Q_SLOTS:
         QVERIFY(stats->histogramPanel()->isVisible());
 
         std::vector<double> values;
-        for (const QString &v : sampleColumn(QStringLiteral("balance")))
+        for (const QString &v : testsupport::sampleColumn(QStringLiteral("contacts"), QStringLiteral("balance")))
             values.push_back(v.toDouble());
         const double high = *std::max_element(values.begin(), values.end());
         const double step = std::pow(10.0, std::ceil(std::log10(high / 10))); // all balances are 0 or more

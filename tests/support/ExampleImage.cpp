@@ -62,4 +62,17 @@ DesignLoad loadImage(const QString &path)
     return ReadDesign(path, options);
 }
 
+QStringList sampleColumn(const QString &name, const QString &column)
+{
+    QFile f(examplePath(name + QStringLiteral("/records.tsv")));
+    if (!f.open(QIODevice::ReadOnly))
+        return {};
+    const QStringList lines = QString::fromUtf8(f.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    const int at = int(lines.first().split(QLatin1Char('\t')).indexOf(column));
+    QStringList values;
+    for (const QString &line : lines.mid(1))
+        values << line.split(QLatin1Char('\t')).value(at);
+    return values;
+}
+
 } // namespace ff::testsupport

@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
@@ -28,6 +29,8 @@ ExampleImage buildExample(const QString &name, const QString &folder = QString()
 // Puts the example's sample records (examples/<name>/records.tsv) into the image's data file, as
 // scripts/demo.sh does, through flatform-cli. An empty text, or why it failed.
 QString loadSamples(const QString &name, const QString &imagePath);
+// The column `column` (named in the head row) of example `name`'s sample records, one value a record.
+QStringList sampleColumn(const QString &name, const QString &column);
 
 // Reads an image's design as the program does on start, its files extracted beside it.
 DesignLoad loadImage(const QString &path);
