@@ -15,24 +15,11 @@ import json
 import os
 import re
 import shutil
-import subprocess
 import sys
 import tempfile
 
-
-def run(*cmd, env=None):
-    return subprocess.run(list(cmd), capture_output=True, text=True, env=env)
-
-
-def check(ok, what):
-    if not ok:
-        print("FAIL:", what)
-        sys.exit(1)
-
-
-def qpdf_ok(pdf):
-    done = run("qpdf", "--check", pdf)
-    check(done.returncode == 0, "qpdf --check passes on %s: %s%s" % (pdf, done.stdout[-400:], done.stderr))
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+from pdf_checks import check, qpdf_ok, run, text_pages  # noqa: E402
 
 
 def objects(pdf):
@@ -80,12 +67,6 @@ def uris(annotations, objs):
             action = objs[action.replace("obj:", "")]
         found.append(text(action["/URI"]))
     return sorted(found)
-
-
-def text_pages(pdf):
-    done = run("pdftotext", "-layout", pdf, "-")
-    check(done.returncode == 0, "pdftotext reads " + pdf)
-    return done.stdout.split("\f")[:-1]
 
 
 def read_records(folder):

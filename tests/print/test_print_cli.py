@@ -9,31 +9,11 @@ import json
 import os
 import re
 import shutil
-import subprocess
 import sys
 import tempfile
 
-
-def run(*cmd):
-    return subprocess.run(list(cmd), capture_output=True, text=True)
-
-
-def check(ok, what):
-    if not ok:
-        print("FAIL:", what)
-        sys.exit(1)
-
-
-def pages_of(pdf):
-    done = run("qpdf", "--show-npages", pdf)
-    check(done.returncode == 0, "qpdf reads " + pdf + ": " + done.stderr)
-    return int(done.stdout.strip())
-
-
-def text_pages(pdf):
-    done = run("pdftotext", "-layout", pdf, "-")
-    check(done.returncode == 0, "pdftotext reads " + pdf)
-    return done.stdout.split("\f")[:-1]
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+from pdf_checks import check, pages_of, run, text_pages  # noqa: E402
 
 
 def main():
