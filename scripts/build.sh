@@ -2,8 +2,10 @@
 # Configures and builds Flatform in build/ (incremental; ccache keeps rebuilds short).
 set -euo pipefail
 cd "$(dirname "$0")/.."
-# The cache is keyed by paths below the repository, so that a fresh clone in another folder hits it.
+# The cache is keyed by paths below the repository and not by the build folder's own path (which
+# debug information would otherwise add), so that a fresh clone in another folder hits it.
 export CCACHE_BASEDIR=${CCACHE_BASEDIR:-$(pwd)}
+export CCACHE_NOHASHDIR=${CCACHE_NOHASHDIR:-1}
 export CCACHE_MAXSIZE=${CCACHE_MAXSIZE:-12G}
 BUILD_DIR=${BUILD_DIR:-build}
 JOBS=${JOBS:-$(nproc)}
