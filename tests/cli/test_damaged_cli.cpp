@@ -4,20 +4,19 @@
 // system's reason.
 
 #include "cli/CliRunner.h"
+#include "support/AsNobody.h"
 #include "support/StoreFixture.h"
 
 #include <QDir>
 
 #include <functional>
 
-#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace ff::testsupport;
 
 namespace {
 
-constexpr uid_t kNobody = 65534;
 
 void writeAll(const QString &path, const QByteArray &bytes)
 {
@@ -29,32 +28,15 @@ void writeAll(const QString &path, const QByteArray &bytes)
 // Runs the verb in a child process that has given up root for the user nobody.
 CliRun cliAsNobody(const QStringList &arguments)
 {
-    int fds[2];
-    if (::pipe(fds) != 0)
-        return {};
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        ::close(fds[0]);
-        CliRun run;
-        if (::setgid(kNobody) == 0 && ::setuid(kNobody) == 0)
-            run = runCli(arguments);
-        const QByteArray said = QByteArray::number(run.code) + '\n' + run.err.toUtf8();
-        const bool written = ::write(fds[1], said.constData(), said.size()) == said.size();
-        ::_exit(written ? 0 : 2);
-    }
-    ::close(fds[1]);
-    QByteArray said;
-    char buffer[512];
-    for (ssize_t n; (n = ::read(fds[0], buffer, sizeof buffer)) > 0;)
-        said.append(buffer, n);
-    ::close(fds[0]);
-    int status = 0;
-    ::waitpid(pid, &status, 0);
+    const std::optional<QByteArray> said = runAsNobody([&] {
+        const CliRun run = runCli(arguments);
+        return QByteArray::number(run.code) + '\n' + run.err.toUtf8();
+    });
     CliRun run;
-    const qsizetype line = said.indexOf('\n');
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 0 && line > 0) {
-        run.code = said.left(line).toInt();
-        run.err = QString::fromUtf8(said.mid(line + 1));
+    const qsizetype line = said ? said->indexOf('\n') : -1;
+    if (line > 0) {
+        run.code = said->left(line).toInt();
+        run.err = QString::fromUtf8(said->mid(line + 1));
     }
     return run;
 }

@@ -8,6 +8,7 @@
 #include "store/Database.h"
 #include "store/RecordCodec.h"
 #include "store/RecordLayout.h"
+#include "support/AsNobody.h"
 #include "support/StoreFixture.h"
 
 #include <QDir>
@@ -18,7 +19,6 @@
 
 #include <limits>
 
-#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace ff;
@@ -27,7 +27,6 @@ using namespace ff::testsupport;
 namespace {
 
 constexpr int kLength = 17; // the small design's record length
-constexpr uid_t kNobody = 65534;
 
 QByteArray readAll(const QString &path)
 {
@@ -101,32 +100,12 @@ struct Session {
     }
 };
 
-// Runs `check` in a child process that has given up root for the user nobody, so that file modes
-// hold. The child's complaints come back as text; empty when all held.
+// Runs `check` as the user nobody, so that file modes hold. The child's complaints come back as
+// text; empty when all held.
 QString asNobody(const std::function<QString()> &check)
 {
-    int fds[2];
-    if (::pipe(fds) != 0)
-        return QStringLiteral("no pipe");
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        ::close(fds[0]);
-        QByteArray complaint = (::setgid(kNobody) == 0 && ::setuid(kNobody) == 0) ? check().toUtf8() : QByteArray("setuid failed");
-        if (::write(fds[1], complaint.constData(), complaint.size()) < 0)
-            ::_exit(2);
-        ::_exit(0);
-    }
-    ::close(fds[1]);
-    QByteArray said;
-    char buffer[512];
-    for (ssize_t n; (n = ::read(fds[0], buffer, sizeof buffer)) > 0;)
-        said.append(buffer, n);
-    ::close(fds[0]);
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        return QStringLiteral("the child ended badly: ") + QString::fromUtf8(said);
-    return QString::fromUtf8(said);
+    const std::optional<QByteArray> said = testsupport::runAsNobody([&] { return check().toUtf8(); });
+    return said ? QString::fromUtf8(*said) : QStringLiteral("the child could not become nobody or ended badly");
 }
 
 class DamagedStore : public ::testing::Test {
