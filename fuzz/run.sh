@@ -1,30 +1,52 @@
 #!/bin/sh
-# Builds every fuzz target with clang and runs each for SECONDS (default 60) on its seed corpus.
-#   fuzz/run.sh [SECONDS]
-# FUZZ_BUILD_DIR (default build-fuzz) and FUZZ_SOURCE_DIR (default the repository) may be set.
-# Exits non-zero when a target finds a crash; the crashing input is left in the build directory.
+# Builds every fuzz target with clang and runs each on its seed corpus and its own growing corpus.
+#   fuzz/run.sh [SECONDS]           each target for SECONDS (default 60), one after the other
+#   fuzz/run.sh --runs N [LANES]    each target for N executions, LANES targets at a time (default 1)
+# FUZZ_BUILD_DIR (default build-fuzz), FUZZ_SOURCE_DIR (default the repository), FUZZ_FLAGS (compiler
+# flags, e.g. "-O1 -gline-tables-only" for long runs) and FUZZ_TARGETS (names, in the order to run)
+# may be set. Each target's output is kept in BUILD/fuzz-work/TARGET/log; a line a target is printed
+# when it ends. Exits non-zero when a target finds a crash; the input is left in its artifacts folder.
 set -e
-seconds=${1:-60}
 root=$(cd "$(dirname "$0")/.." && pwd)
 src=${FUZZ_SOURCE_DIR:-$root}
 build=${FUZZ_BUILD_DIR:-$root/build-fuzz}
-CC=clang CXX=clang++ cmake -S "$src" -B "$build" -G Ninja -DFLATFORM_GUI=OFF -DFLATFORM_TESTS=OFF -DFLATFORM_FUZZ=ON >/dev/null
-targets=$(cd "$root/fuzz" && ls *_fuzz.cpp | sed 's/\.cpp$//')
-cmake --build "$build" --target $targets -j2
-status=0
-for t in $targets; do
-  exe=$(find "$build" -type f -name "$t" -perm -u+x | head -n 1)
+
+# One target: "run.sh --one TARGET LIMIT" where LIMIT is a libFuzzer option (-runs= or -max_total_time=).
+if [ "$1" = "--one" ]; then
+  t=$2
+  limit=$3
+  exe="$build/bin/$t"
   corpus_name=${t%_fuzz}
   corpus_name=${corpus_name%_reader}
   work="$build/fuzz-work/$t"
   mkdir -p "$work/corpus" "$work/artifacts"
   seeds=""
   [ -d "$root/fuzz/corpus/$corpus_name" ] && seeds="$root/fuzz/corpus/$corpus_name"
-  echo "== $t for ${seconds}s"
-  if ! (cd "$work" && "$exe" -max_total_time="$seconds" -jobs=1 -workers=1 -rss_limit_mb=2048 \
-        -artifact_prefix="$work/artifacts/" "$work/corpus" $seeds); then
-    echo "== $t FAILED: see $work/artifacts" >&2
-    status=1
+  started=$(date +%s)
+  if (cd "$work" && "$exe" "$limit" -jobs=1 -workers=1 -rss_limit_mb=2048 -print_final_stats=1 \
+        -artifact_prefix="$work/artifacts/" "$work/corpus" $seeds >"$work/log" 2>&1); then
+    runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$work/log")
+    peak=$(sed -n 's/^stat::peak_rss_mb: *//p' "$work/log")
+    last=$(grep -E '^#[0-9]+' "$work/log" | tail -n 1 | grep -oE 'cov: [0-9]+ ft: [0-9]+ corp: [^ ]+')
+    seconds=$(( $(date +%s) - started ))
+    echo "== $t: $runs executions in ${seconds} s ($(( runs / (seconds > 0 ? seconds : 1) ))/s), $last, peak ${peak} MB"
+    exit 0
   fi
-done
-exit $status
+  echo "== $t FAILED: see $work/artifacts and $work/log" >&2
+  tail -n 40 "$work/log" >&2
+  exit 1
+fi
+
+limit="-max_total_time=${1:-60}"
+lanes=1
+if [ "$1" = "--runs" ]; then
+  limit="-runs=$2"
+  lanes=${3:-1}
+fi
+CC=clang CXX=clang++ cmake -S "$src" -B "$build" -G Ninja -DFLATFORM_GUI=OFF -DFLATFORM_TESTS=OFF -DFLATFORM_FUZZ=ON \
+  -DCMAKE_CXX_FLAGS="${FUZZ_FLAGS:-}" >/dev/null
+targets=${FUZZ_TARGETS:-$(cd "$root/fuzz" && ls *_fuzz.cpp | sed 's/\.cpp$//')}
+cmake --build "$build" --target $targets -j2
+export FUZZ_BUILD_DIR="$build"
+# xargs runs LANES targets at a time and exits non-zero when any of them failed.
+printf '%s\n' $targets | xargs -P "$lanes" -I{} "$0" --one {} "$limit"
