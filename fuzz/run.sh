@@ -23,7 +23,7 @@ if [ "$1" = "--one" ]; then
   seeds=""
   [ -d "$root/fuzz/corpus/$corpus_name" ] && seeds="$root/fuzz/corpus/$corpus_name"
   started=$(date +%s)
-  if (cd "$work" && "$exe" "$limit" -jobs=1 -workers=1 -rss_limit_mb=2048 -print_final_stats=1 \
+  if (cd "$work" && "$exe" "$limit" -rss_limit_mb=2048 -print_final_stats=1 \
         -artifact_prefix="$work/artifacts/" "$work/corpus" $seeds >"$work/log" 2>&1); then
     runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$work/log")
     peak=$(sed -n 's/^stat::peak_rss_mb: *//p' "$work/log")
