@@ -11,6 +11,11 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 src=${FUZZ_SOURCE_DIR:-$root}
 build=${FUZZ_BUILD_DIR:-$root/build-fuzz}
 
+# Allocation stacks are not kept and freed memory is held back less (a crash found is run again with
+# the defaults to see them): the targets allocate much, and this makes them half again as fast and a
+# tenth of the memory.
+export ASAN_OPTIONS="${ASAN_OPTIONS:-malloc_context_size=0:quarantine_size_mb=16}"
+
 # One target: "run.sh --one TARGET LIMIT" where LIMIT is a libFuzzer option (-runs= or -max_total_time=).
 if [ "$1" = "--one" ]; then
   t=$2
