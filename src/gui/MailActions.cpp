@@ -17,6 +17,7 @@
 #include <QMenu>
 #include <QPainter>
 #include <QPixmap>
+#include <QPointer>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QToolBar>
@@ -110,8 +111,29 @@ void MailActions::composeWithDesktop()
     QStringList arguments{QStringLiteral("--subject"), QStringLiteral("Attached"), QStringLiteral("--attach"), *pdf};
     if (!addressText().trimmed().isEmpty())
         arguments << addressText().trimmed();
-    if (!QProcess::startDetached(QStringLiteral("xdg-email"), arguments))
-        main_.host().ShowMessage(QString(), tr("The desktop's compose window could not be opened."), kMessageColour);
+    // xdg-email ends at once when it finds no mail program (exit 3) or its mail program fails, and
+    // says so only on its error output: the user hears it in a message. The process has no parent,
+    // so closing the window does not end a compose window that is still open.
+    auto *process = new QProcess;
+    QPointer<MailActions> self(this);
+    const auto failed = [self] {
+        if (self)
+            self->main_.host().ShowMessage(QString(), tr("The desktop's compose window could not be opened."),
+                                           kMessageColour);
+    };
+    connect(process, &QProcess::finished, process, [process, failed](int exitCode, QProcess::ExitStatus status) {
+        process->deleteLater();
+        if (status != QProcess::NormalExit || exitCode != 0)
+            failed();
+    });
+    connect(process, &QProcess::errorOccurred, process, [process, failed](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart) {
+            process->deleteLater();
+            failed();
+        }
+    });
+    process->setProcessChannelMode(QProcess::ForwardedChannels);
+    process->start(QStringLiteral("xdg-email"), arguments);
 }
 
 void MailActions::saveReportPdf(int reportIndex, const QVector<int> *list, QWidget *parent)

@@ -2,7 +2,7 @@
 // records, the window's page grabbed, the first page of the record exported as PDF (only that
 // page included), rendered by pdftoppm at the screen's resolution and compared with the grab cell
 // by cell. The two PNGs are kept in the build folder (pdf-shots/) for a look by eye. And the mail
-// command of the window, which hands the desktop the record's message.
+// commands of the window, which hand the desktop the record's message or its PDF.
 
 #include "gui/MainWindow.h"
 #include "gui/MainWindowHost.h"
@@ -94,6 +94,68 @@ private Q_SLOTS:
         QVERIFY(text.startsWith("Reply-To: \r\nTo: \"Berg\"<jonas.berg@bergtimber.example>\r\n"));
         QVERIFY(text.contains("filename=\"Record2.pdf\""));
         QVERIFY(!QFile::exists(QDir(dir.path()).filePath(QStringLiteral("Record2.pdf"))));
+    }
+
+    // Where xdg-email is installed, the compose command hands it the record's PDF and the address
+    // the record shows; where it is not, the command is not offered. A stand-in xdg-email on PATH
+    // writes down what it was given.
+    void composeCommandHandsTheDesktopThePdf()
+    {
+        QTemporaryDir dir;
+        const QString bin = dir.filePath(QStringLiteral("bin"));
+        QVERIFY(QDir().mkpath(bin));
+        const QString given = dir.filePath(QStringLiteral("given.txt"));
+        QFile script(QDir(bin).filePath(QStringLiteral("xdg-email")));
+        QVERIFY(script.open(QIODevice::WriteOnly));
+        script.write("#!/bin/sh\nfor a in \"$@\"; do printf '%s\\n' \"$a\"; done > \"" + QFile::encodeName(given)
+                     + ".part\"\nhead -c 4 \"$4\" >> \"" + QFile::encodeName(given) + ".part\"\nmv \""
+                     + QFile::encodeName(given) + ".part\" \"" + QFile::encodeName(given) + "\"\n");
+        script.close();
+        QVERIFY(script.setPermissions(script.permissions() | QFileDevice::ExeOwner));
+
+        const QByteArray savedPath = qgetenv("PATH");
+        const QByteArray savedTemp = qgetenv("TMPDIR");
+        qputenv("TMPDIR", QFile::encodeName(dir.path()));
+        qputenv("PATH", QFile::encodeName(bin) + ":" + savedPath);
+        testsupport::SampleWindow opened = testsupport::openSampleWindow(QStringLiteral("contacts"), dir.path());
+        QVERIFY2(opened.window, qPrintable(opened.error));
+        gui::MainWindow &window = *opened.window;
+        QVERIFY(window.database().store().JumpToRecord(2).ok());
+        auto *compose = window.findChild<QAction *>(QStringLiteral("composeCommand"));
+        QVERIFY(compose);
+        compose->trigger();
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(given), 10000);
+        QFile file(given);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QList<QByteArray> lines = file.readAll().split('\n');
+        QCOMPARE(lines.size(), 6);
+        QCOMPARE(lines[0], QByteArray("--subject"));
+        QCOMPARE(lines[1], QByteArray("Attached"));
+        QCOMPARE(lines[2], QByteArray("--attach"));
+        QCOMPARE(lines[3], QFile::encodeName(QDir(dir.path()).filePath(QStringLiteral("Record2.pdf"))));
+        QCOMPARE(lines[4], QByteArray("jonas.berg@bergtimber.example"));
+        QCOMPARE(lines[5], QByteArray("%PDF")); // the attachment was there, whole, when it ran
+
+        // xdg-email that finds no mail program ends with 3 and tells only its error output.
+        QVERIFY(script.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        script.write("#!/bin/sh\nexit 3\n");
+        script.close();
+        {
+            testsupport::MessageCatcher catcher;
+            compose->trigger();
+            QTRY_COMPARE_WITH_TIMEOUT(catcher.texts.size(), 1, 10000);
+            QCOMPARE(catcher.texts[0], QStringLiteral("The desktop's compose window could not be opened."));
+        }
+        qputenv("PATH", savedPath);
+        qputenv("TMPDIR", savedTemp);
+
+        if (!QStandardPaths::findExecutable(QStringLiteral("xdg-email")).isEmpty())
+            return; // the machine has its own: the command is rightly offered
+        QTemporaryDir other;
+        testsupport::SampleWindow plain = testsupport::openSampleWindow(QStringLiteral("contacts"), other.path());
+        QVERIFY2(plain.window, qPrintable(plain.error));
+        QVERIFY(!plain.window->findChild<QAction *>(QStringLiteral("composeCommand")));
+        QVERIFY(plain.window->findChild<QAction *>(QStringLiteral("mailCommand")));
     }
 };
 
