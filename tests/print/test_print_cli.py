@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """The print verb end to end: the invoice example with its sample records, its report cut to three
-rows a page, printed to PDF; the pages counted by qpdf and the text read back by pdftotext -layout,
+rows a page, printed to PDF, and a record of the contacts example; the pages counted by qpdf and the text read back by pdftotext -layout,
 so the file is judged by programs that know nothing of the writer.
 
     test_print_cli.py FLATFORM_BUILD FLATFORM_CLI SOURCE_DIR
@@ -83,6 +83,25 @@ def main():
         for page, record in zip(text_pages(pdf), records[1:4]):
             for value in (record[0], record[2], record[3]):
                 check(value in page, "%r is printed on its record's page" % value)
+
+        # The shipped contacts example prints every kind of control that holds a value: fields, the
+        # combos of both pages, the note; a check box prints as a box, so its caption stands beside it.
+        contacts = os.path.join(source, "examples", "contacts")
+        image = os.path.join(work, "contacts.exe")
+        done = run(build, os.path.join(contacts, "contacts.json"), "-o", image, "--runtime", cli)
+        check(done.returncode == 0, "the contacts image is built: " + done.stderr)
+        done = run(sys.executable, os.path.join(source, "tools", "load_samples.py"), cli, image, contacts)
+        check(done.returncode == 0, "contacts samples load: " + done.stderr)
+        rows = [l.split("\t") for l in open(os.path.join(contacts, "records.tsv"), encoding="utf-8").read().splitlines()]
+        first = dict(zip(rows[0], rows[1]))
+        pdf = os.path.join(work, "contact.pdf")
+        done = run(cli, "print", image, pdf, "--record", "1")
+        check(done.returncode == 0, "a contact prints: " + done.stderr)
+        printed = "\n".join(text_pages(pdf))
+        for column in ("firstname", "company", "category", "source"):
+            check(first[column] in printed, "the %s %r is printed" % (column, first[column]))
+        for line in first["notes"].split("\\n"):
+            check(line in printed, "the note's line %r is printed" % line)
 
         # Refusals: a report that is not there, a record that is not there; no file is left.
         for args, words in ((["--report", "9"], "no report 9"), (["--record", "99"], "no record 99")):
