@@ -16,6 +16,14 @@ sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."
 from pdf_checks import check, pages_of, run, text_pages  # noqa: E402
 
 
+def build_with_samples(build, cli, source, design, image, example):
+    """The image of `design`, filled with the sample records of the example folder `example`."""
+    done = run(build, design, "-o", image, "--runtime", cli)
+    check(done.returncode == 0, "%s is built: %s" % (image, done.stderr))
+    done = run(sys.executable, os.path.join(source, "tools", "load_samples.py"), cli, image, example)
+    check(done.returncode == 0, "samples load into %s: %s" % (image, done.stderr))
+
+
 def main():
     build, cli, source = sys.argv[1:4]
     if not shutil.which("pdftotext") or not shutil.which("qpdf"):
@@ -39,10 +47,7 @@ def main():
                 shutil.copy(os.path.join(example, name), work)
         json.dump(design, open(os.path.join(work, "invoice.json"), "w", encoding="utf-8"))
         image = os.path.join(work, "invoice.exe")
-        done = run(build, os.path.join(work, "invoice.json"), "-o", image, "--runtime", cli)
-        check(done.returncode == 0, "the image is built: " + done.stderr)
-        done = run(sys.executable, os.path.join(source, "tools", "load_samples.py"), cli, image, example)
-        check(done.returncode == 0, "samples load: " + done.stderr)
+        build_with_samples(build, cli, source, os.path.join(work, "invoice.json"), image, example)
         records = [l.split("\t") for l in open(os.path.join(example, "records.tsv"), encoding="utf-8").read().splitlines()[1:]]
         check(len(records) == 7, "the example holds 7 records")
 
@@ -88,10 +93,7 @@ def main():
         # combos of both pages, the note; a check box prints as a box, so its caption stands beside it.
         contacts = os.path.join(source, "examples", "contacts")
         image = os.path.join(work, "contacts.exe")
-        done = run(build, os.path.join(contacts, "contacts.json"), "-o", image, "--runtime", cli)
-        check(done.returncode == 0, "the contacts image is built: " + done.stderr)
-        done = run(sys.executable, os.path.join(source, "tools", "load_samples.py"), cli, image, contacts)
-        check(done.returncode == 0, "contacts samples load: " + done.stderr)
+        build_with_samples(build, cli, source, os.path.join(contacts, "contacts.json"), image, contacts)
         rows = [l.split("\t") for l in open(os.path.join(contacts, "records.tsv"), encoding="utf-8").read().splitlines()]
         first = dict(zip(rows[0], rows[1]))
         pdf = os.path.join(work, "contact.pdf")
