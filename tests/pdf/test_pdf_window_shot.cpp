@@ -20,7 +20,36 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <optional>
+
 using namespace ff;
+
+namespace {
+
+// An environment variable set for the life of a scope, put back (or unset) when a check fails too.
+class ScopedVariable {
+public:
+    ScopedVariable(const char *name, const QByteArray &value) : name_(name), had_(qEnvironmentVariableIsSet(name)), old_(qgetenv(name))
+    {
+        qputenv(name, value);
+    }
+    ~ScopedVariable()
+    {
+        if (had_)
+            qputenv(name_, old_);
+        else
+            qunsetenv(name_);
+    }
+    ScopedVariable(const ScopedVariable &) = delete;
+    ScopedVariable &operator=(const ScopedVariable &) = delete;
+
+private:
+    const char *name_;
+    bool had_;
+    QByteArray old_;
+};
+
+} // namespace
 
 class PdfWindowShotTest : public QObject {
     Q_OBJECT
@@ -76,8 +105,7 @@ private Q_SLOTS:
     void mailCommandOpensTheMessage()
     {
         QTemporaryDir dir;
-        const QByteArray savedTemp = qgetenv("TMPDIR");
-        qputenv("TMPDIR", QFile::encodeName(dir.path()));
+        std::optional<ScopedVariable> temp(std::in_place, "TMPDIR", QFile::encodeName(dir.path()));
         testsupport::SampleWindow opened = testsupport::openSampleWindow(QStringLiteral("contacts"), dir.path());
         QVERIFY2(opened.window, qPrintable(opened.error));
         gui::MainWindow &window = *opened.window;
@@ -85,7 +113,7 @@ private Q_SLOTS:
         auto *mail = window.findChild<QAction *>(QStringLiteral("mailCommand"));
         QVERIFY(mail);
         mail->trigger();
-        qputenv("TMPDIR", savedTemp);
+        temp.reset();
         const QString eml = QDir(dir.path()).filePath(QStringLiteral("Newmail.eml"));
         QCOMPARE(window.host().opened.value(window.host().opened.size() - 1), eml);
         QFile file(eml);
@@ -105,18 +133,16 @@ private Q_SLOTS:
         const QString bin = dir.filePath(QStringLiteral("bin"));
         QVERIFY(QDir().mkpath(bin));
         const QString given = dir.filePath(QStringLiteral("given.txt"));
+        // Each argument on a line, then the attachment's first 4 bytes; the file appears whole.
         QFile script(QDir(bin).filePath(QStringLiteral("xdg-email")));
         QVERIFY(script.open(QIODevice::WriteOnly));
-        script.write("#!/bin/sh\nfor a in \"$@\"; do printf '%s\\n' \"$a\"; done > \"" + QFile::encodeName(given)
-                     + ".part\"\nhead -c 4 \"$4\" >> \"" + QFile::encodeName(given) + ".part\"\nmv \""
-                     + QFile::encodeName(given) + ".part\" \"" + QFile::encodeName(given) + "\"\n");
+        script.write("#!/bin/sh\n{ printf '%s\\n' \"$@\"; head -c 4 \"$4\"; } > \"$GIVEN.part\" && mv \"$GIVEN.part\" \"$GIVEN\"\n");
         script.close();
         QVERIFY(script.setPermissions(script.permissions() | QFileDevice::ExeOwner));
 
-        const QByteArray savedPath = qgetenv("PATH");
-        const QByteArray savedTemp = qgetenv("TMPDIR");
-        qputenv("TMPDIR", QFile::encodeName(dir.path()));
-        qputenv("PATH", QFile::encodeName(bin) + ":" + savedPath);
+        std::optional<ScopedVariable> temp(std::in_place, "TMPDIR", QFile::encodeName(dir.path()));
+        std::optional<ScopedVariable> path(std::in_place, "PATH", QFile::encodeName(bin) + ":" + qgetenv("PATH"));
+        const ScopedVariable givenName("GIVEN", QFile::encodeName(given));
         testsupport::SampleWindow opened = testsupport::openSampleWindow(QStringLiteral("contacts"), dir.path());
         QVERIFY2(opened.window, qPrintable(opened.error));
         gui::MainWindow &window = *opened.window;
@@ -146,8 +172,8 @@ private Q_SLOTS:
             QTRY_COMPARE_WITH_TIMEOUT(catcher.texts.size(), 1, 10000);
             QCOMPARE(catcher.texts[0], QStringLiteral("The desktop's compose window could not be opened."));
         }
-        qputenv("PATH", savedPath);
-        qputenv("TMPDIR", savedTemp);
+        path.reset();
+        temp.reset();
 
         if (!QStandardPaths::findExecutable(QStringLiteral("xdg-email")).isEmpty())
             return; // the machine has its own: the command is rightly offered
